@@ -1,0 +1,39 @@
+#include <QZ2EmpDailyAtten/clsAttendance.h>
+
+#include <memory>
+
+#include "register/FrmMaster.h"
+#include "shared/BasAttendence.h"
+
+clsAttendance::clsAttendance(QObject* parent) : QObject(parent) {}
+clsAttendance::~clsAttendance() = default;
+
+QSqlDatabase clsAttendance::adocon() {
+    if (!m_adoconSet) {
+        // A fresh connection handle that is not open: the register's first query reports it.
+        m_adocon = QSqlDatabase();
+        m_adoconSet = true;
+    }
+    return m_adocon;
+}
+
+void clsAttendance::setAdocon(const QSqlDatabase& connection) {
+    m_adocon = connection;
+    m_adoconSet = true;
+}
+
+void clsAttendance::Show() {
+    qz2::gintUserID = m_userId;
+    qz2::gintCompanyID = m_companyId;
+    qz2::gstrMsgboxTitle = m_title;
+    qz2::gadocon = adocon();
+    qz2::gdtProcessDate = m_processDate;
+    qz2::FrmMaster* form = qz2::FrmMaster::instance();
+    std::unique_ptr<qz2::FrmMaster> owned;
+    if (!form) {
+        owned = std::make_unique<qz2::FrmMaster>();
+        form = owned.get();
+    }
+    form->Form_Load();
+    form->exec();
+}

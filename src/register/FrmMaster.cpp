@@ -1,0 +1,408 @@
+#include "register/FrmMaster.h"
+
+#include <QApplication>
+#include <QComboBox>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include "commonmodule/CommonModule.h"
+#include "db/Database.h"
+#include "entry/EntryLauncher.h"
+#include "register/RegisterSql.h"
+#include "register/frmCancel.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
+#include "shared/SharedServices.h"
+#include "shared/TimeValue.h"
+
+namespace qz2 {
+
+namespace {
+QPointer<FrmMaster> g_instance;
+constexpr int kCancelledCol = 4;
+const QColor kCancelledColour(0xFF, 0, 0);  // 255: red
+
+bool isIsoDate(const QString& s) {
+    return (s.size() == 10 || (s.size() == 19 && s.endsWith(QLatin1String(" 00:00:00")))) && s[4] == QLatin1Char('-') &&
+           s[7] == QLatin1Char('-');
+}
+}  // namespace
+
+QString registerCellText(const QVariant& v) {
+    if (v.isNull()) return {};
+    switch (v.typeId()) {
+        case QMetaType::QDate: return dateText(v.toDate());
+        case QMetaType::QDateTime: return dateText(v.toDateTime().date());
+        case QMetaType::Double: return QString::number(v.toDouble(), 'g', 15);
+        case QMetaType::Bool: return v.toBool() ? QStringLiteral("True") : QStringLiteral("False");
+        default: break;
+    }
+    const QString s = v.toString();
+    if (isIsoDate(s)) {
+        const QDate d = QDate::fromString(s.left(10), Qt::ISODate);
+        if (d.isValid()) return dateText(d);
+    }
+    return s;
+}
+
+FrmMaster* FrmMaster::instance() { return g_instance.data(); }
+
+FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
+    setObjectName(QStringLiteral("FrmMaster"));
+    setWindowTitle(gstrMsgboxTitle.isEmpty() ? tr("Daily Attendance") : gstrMsgboxTitle);
+    setWindowFlag(Qt::WindowMaximizeButtonHint, true);
+    g_instance = this;
+
+    fraBrowse = new QGroupBox(tr("Browse"), this);
+    fraBrowse->setObjectName(QStringLiteral("fraBrowse"));
+    cboColNames = new QComboBox(fraBrowse);
+    cboColNames->setObjectName(QStringLiteral("cboColNames"));
+    optAscend = new QRadioButton(tr("&Ascending"), fraBrowse);
+    optAscend->setObjectName(QStringLiteral("optAscend"));
+    optDescend = new QRadioButton(tr("Descen&ding"), fraBrowse);
+    optDescend->setObjectName(QStringLiteral("optDescend"));
+    optAscend->setChecked(true);
+    cboSearch = new QComboBox(fraBrowse);
+    cboSearch->setObjectName(QStringLiteral("cboSearch"));
+    lblsearch = new QLabel(tr("&Find:"), fraBrowse);
+    lblsearch->setObjectName(QStringLiteral("lblsearch"));
+    txtsearch = new QLineEdit(fraBrowse);
+    txtsearch->setObjectName(QStringLiteral("txtsearch"));
+    txtsearch->setPlaceholderText(tr("Type the start of the text"));
+    txtsearch->setClearButtonEnabled(true);
+    lblsearch->setBuddy(txtsearch);
+    auto* sortLabel = new QLabel(tr("&Sort by:"), fraBrowse);
+    sortLabel->setBuddy(cboColNames);
+    auto* searchLabel = new QLabel(tr("Search &in:"), fraBrowse);
+    searchLabel->setBuddy(cboSearch);
+
+    auto* browse = new QGridLayout(fraBrowse);
+    browse->addWidget(sortLabel, 0, 0);
+    browse->addWidget(cboColNames, 0, 1);
+    browse->addWidget(optAscend, 0, 2);
+    browse->addWidget(optDescend, 0, 3);
+    browse->addWidget(searchLabel, 1, 0);
+    browse->addWidget(cboSearch, 1, 1);
+    browse->addWidget(lblsearch, 1, 2);
+    browse->addWidget(txtsearch, 1, 3, 1, 2);
+    browse->setColumnStretch(4, 1);
+    cboColNames->setMinimumWidth(160);
+    cboSearch->setMinimumWidth(160);
+    txtsearch->setMinimumWidth(220);
+
+    flexMaster = new FlexGrid(this);
+    flexMaster->setObjectName(QStringLiteral("flexMaster"));
+    flexMaster->setSelectionBehavior(QAbstractItemView::SelectRows);
+    flexMaster->horizontalHeader()->setStretchLastSection(true);
+    flexMaster->setAlternatingRowColors(true);
+    setRegisterGrid(flexMaster);
+
+    cmdnew = new QPushButton(tr("&New"), this);
+    cmdnew->setObjectName(QStringLiteral("cmdnew"));
+    CmdEdit = new QPushButton(tr("&Edit"), this);
+    CmdEdit->setObjectName(QStringLiteral("CmdEdit"));
+    CmdDelete = new QPushButton(tr("&Delete"), this);
+    CmdDelete->setObjectName(QStringLiteral("CmdDelete"));
+    CmdDelete->setToolTip(tr("Cancel the selected entry with a reason"));
+    CmdClose = new QPushButton(tr("&Close"), this);
+    CmdClose->setObjectName(QStringLiteral("CmdClose"));
+    for (QPushButton* b : {cmdnew, CmdEdit, CmdDelete, CmdClose}) b->setAutoDefault(false);
+    lblStatus = new QLabel(this);
+    lblStatus->setObjectName(QStringLiteral("lblStatus"));
+    lblStatus->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+    auto* buttons = new QHBoxLayout;
+    buttons->addWidget(lblStatus, 1);
+    buttons->addWidget(cmdnew);
+    buttons->addWidget(CmdEdit);
+    buttons->addWidget(CmdDelete);
+    buttons->addWidget(CmdClose);
+    auto* layout = new QVBoxLayout(this);
+    layout->addWidget(fraBrowse);
+    layout->addWidget(flexMaster, 1);
+    layout->addLayout(buttons);
+    resize(860, 560);
+
+    setTabOrder(flexMaster, cmdnew);
+    setTabOrder(cmdnew, CmdEdit);
+    setTabOrder(CmdEdit, CmdDelete);
+    setTabOrder(CmdDelete, CmdClose);
+    setTabOrder(CmdClose, cboColNames);
+    setTabOrder(cboColNames, optAscend);
+    setTabOrder(optAscend, optDescend);
+    setTabOrder(optDescend, cboSearch);
+    setTabOrder(cboSearch, txtsearch);
+
+    connect(cmdnew, &QPushButton::clicked, this, &FrmMaster::cmdnew_Click);
+    connect(CmdEdit, &QPushButton::clicked, this, &FrmMaster::CmdEdit_Click);
+    connect(CmdDelete, &QPushButton::clicked, this, &FrmMaster::CmdDelete_Click);
+    connect(CmdClose, &QPushButton::clicked, this, &FrmMaster::CmdClose_Click);
+    connect(cboColNames, &QComboBox::currentIndexChanged, this, &FrmMaster::cboColNames_Click);
+    connect(optAscend, &QRadioButton::clicked, this, &FrmMaster::cboColNames_Click);
+    connect(optDescend, &QRadioButton::clicked, this, &FrmMaster::cboColNames_Click);
+    connect(txtsearch, &QLineEdit::textChanged, this, &FrmMaster::txtsearch_KeyUp);
+    connect(flexMaster, &FlexGrid::cellChanged, this, [this] { runClickLogicGuarded(); });
+    connect(flexMaster, &QAbstractItemView::clicked, this, [this] { runClickLogicGuarded(); });
+    connect(flexMaster, &QAbstractItemView::doubleClicked, this, [this] { CmdEdit_Click(); });
+    flexMaster->installEventFilter(this);
+    for (QWidget* w : {static_cast<QWidget*>(cboColNames), static_cast<QWidget*>(cboSearch),
+                       static_cast<QWidget*>(optAscend), static_cast<QWidget*>(optDescend)})
+        w->installEventFilter(this);
+}
+
+FrmMaster::~FrmMaster() {
+    if (registerGrid() == flexMaster) setRegisterGrid(nullptr);
+}
+
+void FrmMaster::Form_Load() {
+    m_gen = commonmodule::createCommonGen();
+    m_db = commonmodule::createCommonDB(gadocon);
+    try {
+        fnLoadLinkTableNames();
+        m_db->adocon = gadocon;
+        m_db->strTableName = LinkedTableNames.pSettings;
+        const qint16 days = static_cast<qint16>(
+            m_db->fnReturnField(QStringLiteral("noofPreviousdays"), QStringLiteral("companyId=") + QString::number(gintCompanyID))
+                .toInt());
+        strFromClause = sql::masterFromClause();
+        gstrMasterQuery = sql::masterQuery(db::Dialect::of(gadocon), gintCompanyID, days, gdtProcessDate);
+        GridPopulate(gstrMasterQuery);
+        m_loaded = true;
+        glngInterfaceID = kInterfaceID;
+        UserRights();
+        flexmaster_Click();
+        if (flexMaster->Rows() > 1) {
+            flexMaster->setCurrentCell(flexMaster->Rows() - 1, flexMaster->Col());
+            flexMaster->scrollTo(flexMaster->currentIndex());
+        }
+        lblStatus->setText(tr("%n entries", nullptr, flexMaster->Rows() - 1));
+    } catch (const std::exception& e) {
+        lblStatus->setText(tr("The list could not be read: %1").arg(QString::fromStdString(e.what())));
+    }
+}
+
+void FrmMaster::loadHeadings(const QStringList& fallbackNames) {
+    m_headings = fallbackNames;
+    try {
+        db::Recordset rs = db::openRecordset(gadocon, sql::headingQuery(QStringLiteral("pEmployeeAttendence")));
+        QStringList headings;
+        for (; !rs.eof(); rs.moveNext()) headings << rs.field(QStringLiteral("columnheader")).toString().trimmed();
+        for (int i = 0; i < headings.size() && i < m_headings.size(); ++i) m_headings[i] = headings[i];
+    } catch (const std::exception&) {
+        // Without the table catalogue the columns keep the query's own names.
+    }
+    const QSignalBlocker b1(cboColNames);
+    const QSignalBlocker b2(cboSearch);
+    cboColNames->clear();
+    cboSearch->clear();
+    for (int c = 0; c < m_headings.size(); ++c) {
+        flexMaster->setTextMatrix(0, c, m_headings[c]);
+        cboColNames->addItem(m_headings[c], c);
+        cboSearch->addItem(m_headings[c], c);
+    }
+    cboColNames->setCurrentIndex(-1);
+    cboSearch->setCurrentIndex(m_headings.size() > 3 ? 3 : 0);  // the employee's name is what clerks look for
+}
+
+void FrmMaster::GridPopulate(const QString& query) {
+    db::Recordset rs = db::openRecordset(gadocon, query);
+    QStringList names;
+    for (int c = 0; c < rs.fieldCount(); ++c) names << rs.fieldName(c);
+    flexMaster->setCols(rs.fieldCount());
+    QVector<QStringList> rows;
+    rows.reserve(rs.recordCount());
+    for (int r = 0; r < rs.recordCount(); ++r) {
+        QStringList cells;
+        cells.reserve(names.size());
+        for (const QVariant& v : rs.row(r)) cells << registerCellText(v);
+        rows.push_back(std::move(cells));
+    }
+    flexMaster->flexModel()->setAllRows(std::move(rows));
+    loadHeadings(names);
+    const int widths[] = {1100, 1500, 1400, 3600, 1200};
+    for (int c = 0; c < flexMaster->Cols() && c < 5; ++c) flexMaster->setColWidthTwips(c, widths[c]);
+    GridColor();
+}
+
+void FrmMaster::GridColor() {
+    const int row = flexMaster->Row();
+    CmdDelete->setEnabled(row > 0 && flexMaster->TextMatrix(row, kCancelledCol).trimmed() == QLatin1String("No"));
+    FlexGridModel* m = flexMaster->flexModel();
+    const QSignalBlocker block(m);  // one repaint for the lot rather than a signal per cell
+    for (int r = 0; r < m->dataRows(); ++r) {
+        if (m->text(r, kCancelledCol) == QLatin1String("Yes"))
+            for (int c = 0; c <= kCancelledCol && c < m->cols(); ++c) m->setForeground(r, c, kCancelledColour);
+    }
+    flexMaster->viewport()->update();
+    // The walk over column 3 stops on the first row that reads "No", else on the last row.
+    int stop = m->dataRows();
+    for (int r = 0; r < m->dataRows(); ++r) {
+        if (m->text(r, 3) == QLatin1String("No")) {
+            stop = r + 1;
+            break;
+        }
+    }
+    if (stop > 0) flexMaster->setCurrentCell(stop, 3);
+}
+
+void FrmMaster::runClickLogicGuarded() {
+    if (!m_loaded) return;
+    flexmaster_Click();
+}
+
+void FrmMaster::flexmaster_Click() {
+    try {
+        const int row = flexMaster->Row();
+        if (row < 1 || flexMaster->TextMatrix(row, 0).isEmpty()) {
+            CmdEdit->setEnabled(false);
+            CmdDelete->setEnabled(false);
+            return;
+        }
+        CmdEdit->setEnabled(true);
+        CmdDelete->setEnabled(true);
+        // Delete stays enabled on every live row whatever the rights said at load: the
+        // rights decide the buttons once, when the register opens.
+        if (flexMaster->TextMatrix(row, kCancelledCol) == QLatin1String("Yes")) CmdDelete->setEnabled(false);
+    } catch (const std::exception& e) {
+        fnWriteErrorLog(QStringLiteral("FrmMaster"), gintUserID, QStringLiteral("flexmaster_Click "), gstrEntryMode, 1,
+                        QStringLiteral("FrmMaster"), QString::fromStdString(e.what()), true);
+    }
+}
+
+void FrmMaster::cboColNames_Click() {
+    if (cboColNames->currentIndex() < 0) return;
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+    const QString heading = cboColNames->currentText();
+    const int col = heading.contains(QLatin1String("date"), Qt::CaseInsensitive) ? 1 : cboColNames->currentData().toInt();
+    flexMaster->flexModel()->sortGeneric(col, optAscend->isChecked());
+    QApplication::restoreOverrideCursor();
+}
+
+void FrmMaster::txtsearch_KeyUp() {
+    const QString text = txtsearch->text().trimmed();
+    if (!text.isEmpty() && cboSearch->currentIndex() >= 0) {
+        const int col = cboSearch->currentData().toInt();
+        const FlexGridModel* m = flexMaster->flexModel();
+        for (int r = 0; r < m->dataRows(); ++r) {
+            if (m->text(r, col).trimmed().startsWith(text, Qt::CaseInsensitive)) {
+                const QSignalBlocker block(flexMaster->selectionModel());
+                flexMaster->setCurrentCell(r + 1, col);
+                flexMaster->selectRow(r);
+                flexMaster->scrollTo(flexMaster->currentIndex(), QAbstractItemView::PositionAtTop);
+                break;
+            }
+        }
+    }
+    flexmaster_Click();
+}
+
+void FrmMaster::cmdnew_Click() {
+    gstrEntryMode = QStringLiteral("N");
+    entry::showNewEntry(this);
+}
+
+void FrmMaster::CmdEdit_Click() {
+    const int row = flexMaster->Row();
+    if (row < 1) return;
+    const QString id = flexMaster->TextMatrix(row, 0);
+    const bool cancelled = flexMaster->TextMatrix(row, kCancelledCol) == QLatin1String("Yes");
+    entry::openEntryForEdit(this, id, cancelled);
+}
+
+void FrmMaster::CmdDelete_Click() {
+    const int row = flexMaster->Row();
+    if (row < 1) return;
+    try {
+        if (MsgBox(QStringLiteral("Are you sure you want to delete Entry - ") + flexMaster->TextMatrix(row, 0) +
+                       QStringLiteral("?"),
+                   MsgButtons::YesNo, MsgIcon::Question) == MsgResult::No)
+            return;
+        if (fnIsMonthlyEntryDone(QStringLiteral("D"))) return;
+        flexMaster->setTextMatrix(row, kCancelledCol, QStringLiteral("Yes"));
+        frmCancel dialog(this);
+        dialog.exec();
+        if (dialog.cancelled())
+            for (int c = 0; c <= kCancelledCol && c < flexMaster->Cols(); ++c)
+                flexMaster->setCellForeColor(row, c, kCancelledColour);
+        CmdDelete->setEnabled(false);
+        flexMaster->setCurrentCell(row, 0);
+        flexMaster->selectRow(row - 1);
+        CmdDelete->setEnabled(fnUserRights(QStringLiteral("D"), strFunctionRights));
+    } catch (const std::exception&) {
+        // Trapped: the register stays as it is.
+    }
+}
+
+void FrmMaster::CmdClose_Click() { close(); }
+
+void FrmMaster::UserRights() {
+    try {
+        if (gintUserID == 1) {
+            strFunctionRights = QStringLiteral("NEDUP");
+        } else {
+            db::Recordset rs = db::openRecordset(gadocon, sql::rightsQuery(gintUserID, glngInterfaceID));
+            if (rs.recordCount() < 1) return;
+            strFunctionRights = rs.field(QStringLiteral("FunctionRights")).toString();
+        }
+        cmdnew->setEnabled(fnUserRights(QStringLiteral("N"), strFunctionRights));
+        CmdEdit->setEnabled(fnUserRights(QStringLiteral("E"), strFunctionRights));
+        CmdDelete->setEnabled(fnUserRights(QStringLiteral("D"), strFunctionRights));
+    } catch (const std::exception&) {
+        // A failing rights query leaves the buttons as they were.
+    }
+}
+
+bool FrmMaster::fnUserRights(QString letter, QString& rights) {
+    letter = letter.trimmed().toUpper();
+    rights = rights.trimmed().toUpper();
+    if (rights == QLatin1String("ADMIN")) return false;
+    return !letter.isEmpty() && rights.contains(letter, Qt::CaseInsensitive);
+}
+
+bool FrmMaster::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+        if (watched == flexMaster) {
+            if (key->key() == Qt::Key_Delete) {
+                if (CmdDelete->isEnabled()) CmdDelete_Click();
+                return true;
+            }
+            if (enter && (key->modifiers() & Qt::ControlModifier)) {
+                if (cmdnew->isEnabled()) cmdnew_Click();
+                return true;
+            }
+            if (enter) {
+                if (CmdEdit->isEnabled()) CmdEdit_Click();
+                return true;
+            }
+        } else if (enter) {
+            sendTab();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void FrmMaster::keyPressEvent(QKeyEvent* event) {
+    // Ctrl+D (code 4) brings the clerk back to the list from anywhere on the form.
+    if (event->key() == Qt::Key_D && (event->modifiers() & Qt::ControlModifier)) {
+        flexMaster->setFocus();
+        return;
+    }
+    // Enter must not close the register the way a dialog's default button would.
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) return;
+    QDialog::keyPressEvent(event);
+}
+
+}  // namespace qz2

@@ -1,0 +1,84 @@
+#pragma once
+// The attendance register: lists the company's recent entries, sorts and searches them,
+// follows the user's rights, and starts a new entry, editing or cancelling.
+
+#include <QDialog>
+#include <memory>
+
+class QComboBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QRadioButton;
+
+namespace qz2 {
+
+class FlexGrid;
+namespace commonmodule {
+class clsCommonDB;
+class clsCommonGen;
+}  // namespace commonmodule
+
+class FrmMaster : public QDialog {
+    Q_OBJECT
+public:
+    explicit FrmMaster(QWidget* parent = nullptr);
+    ~FrmMaster() override;
+
+    // The open register, if any (the shared services refresh its rows).
+    static FrmMaster* instance();
+
+    // Start-up: names, settings, list, rights. Database errors end it quietly (the list
+    // stays empty and the status line says why).
+    void Form_Load();
+
+    void flexmaster_Click();
+    void cboColNames_Click();
+    void txtsearch_KeyUp();
+    void cmdnew_Click();
+    void CmdEdit_Click();
+    void CmdDelete_Click();
+    void CmdClose_Click();
+    void GridPopulate(const QString& query);
+    void GridColor();
+    void UserRights();
+    // The letter found in the rights string (both normalised in place); "ADMIN" grants nothing.
+    bool fnUserRights(QString letter, QString& rights);
+
+    QString strFunctionRights;
+    bool loaded() const { return m_loaded; }
+
+    FlexGrid* flexMaster;
+    QGroupBox* fraBrowse;
+    QComboBox* cboColNames;
+    QRadioButton* optAscend;
+    QRadioButton* optDescend;
+    QComboBox* cboSearch;
+    QLineEdit* txtsearch;
+    QLabel* lblsearch;
+    QPushButton* cmdnew;
+    QPushButton* CmdEdit;
+    QPushButton* CmdDelete;
+    QPushButton* CmdClose;
+    QLabel* lblStatus;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void loadHeadings(const QStringList& fallbackNames);
+    void runClickLogicGuarded();
+
+    std::unique_ptr<commonmodule::clsCommonGen> m_gen;
+    std::unique_ptr<commonmodule::clsCommonDB> m_db;
+    QString strFromClause;
+    bool m_loaded = false;
+    QStringList m_headings;
+};
+
+// The text a register cell shows for a database value: dates as "dd/mm/yyyy", NULL empty.
+QString registerCellText(const QVariant& value);
+
+}  // namespace qz2

@@ -1,0 +1,79 @@
+#include "register/frmCancel.h"
+
+#include <QDialogButtonBox>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+#include "db/Database.h"
+#include "register/RegisterSql.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
+#include "shared/SharedServices.h"
+
+namespace qz2 {
+
+frmCancel::frmCancel(QWidget* parent) : QDialog(parent) {
+    setObjectName(QStringLiteral("frmCancel"));
+    auto* layout = new QVBoxLayout(this);
+    auto* label = new QLabel(tr("&Reason:"), this);
+    txtcanreason = new QLineEdit(this);
+    txtcanreason->setObjectName(QStringLiteral("txtcanreason"));
+    txtcanreason->setMaxLength(200);
+    txtcanreason->setMinimumWidth(360);
+    label->setBuddy(txtcanreason);
+    cmdOK = new QPushButton(tr("&OK"), this);
+    cmdOK->setObjectName(QStringLiteral("cmdOK"));
+    cmdOK->setAutoDefault(false);
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    row->addWidget(cmdOK);
+    layout->addWidget(label);
+    layout->addWidget(txtcanreason);
+    layout->addLayout(row);
+    txtcanreason->installEventFilter(this);
+    connect(cmdOK, &QPushButton::clicked, this, &frmCancel::cmdOK_Click);
+    Form_Load();
+}
+
+void frmCancel::Form_Load() { setWindowTitle(QStringLiteral("Reason For Deletion")); }
+
+bool frmCancel::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == txtcanreason && event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        // Quotes cannot be typed: the reason goes between quotes in the statement.
+        if (key->text() == QLatin1String("\"") || key->text() == QLatin1String("'")) return true;
+        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+            cmdOK->setFocus();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmCancel::cmdOK_Click() {
+    const QString reason = txtcanreason->text().trimmed();
+    if (reason.isEmpty()) {
+        MsgBox(QStringLiteral("Enter reason for deletion"));
+        return;
+    }
+    try {
+        db::Recordset user = db::openRecordset(gadocon, sql::cancelUserNameQuery(gintCompanyID, gintUserID));
+        QString remarks;
+        if (!user.eof()) remarks = user.field(QStringLiteral("username")).toString().trimmed() + QLatin1Char(':') + reason;
+        FlexGrid* grid = registerGrid();
+        const QString id = grid ? grid->TextMatrix(grid->Row(), 0) : QString();
+        db::Recordset emp = db::openRecordset(gadocon, sql::cancelEmployeeQuery(id, gintCompanyID));
+        if (!emp.eof()) (void)emp.field(QStringLiteral("eaEmpID"));
+        db::execute(gadocon, sql::cancelUpdate(remarks, id, gintCompanyID));
+        m_done = true;
+        accept();
+    } catch (const std::exception&) {
+        // Trapped: the dialog stays open and the entry may not be cancelled.
+    }
+}
+
+}  // namespace qz2
