@@ -6,6 +6,7 @@
 // schedules and every date written into SQL text go through this one type.
 
 #include <QDate>
+#include <QDateTime>
 #include <QString>
 #include <QStringView>
 #include <QTime>
