@@ -1,0 +1,174 @@
+#include "TestSupport.h"
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QSqlRecord>
+#include <QTimer>
+#include <QUuid>
+
+#include "demo/DemoData.h"
+#include "shared/BasAttendence.h"
+
+namespace qz2test {
+
+QStringList logicalTableNames() {
+    return {QStringLiteral("pusers"), QStringLiteral("pCalenderHeader"), QStringLiteral("pemployee"),
+            QStringLiteral("pCalenderDetail"), QStringLiteral("pEmployeeAttendence"), QStringLiteral("pEmpAttendanceDetail"),
+            QStringLiteral("ptables"), QStringLiteral("pEmpAttendanceAllowanceDeductions"), QStringLiteral("pSettings"),
+            QStringLiteral("pCurrencyMaster"), QStringLiteral("pLeaveCancellationHeader"),
+            QStringLiteral("pleavecancellationdetail"), QStringLiteral("PEmployeeLeaves"),
+            QStringLiteral("pleaveregisterDetail"), QStringLiteral("pleaveregisterheader"),
+            QStringLiteral("pCalendarWTSheader"), QStringLiteral("pMonthlyPayrollProcessing"),
+            QStringLiteral("pCalendarWorkTimeSettings"), QStringLiteral("pEmpMonthlyEntryHeader"),
+            QStringLiteral("pDepartment"), QStringLiteral("ptablecolumns"), QStringLiteral("puserrights"),
+            QStringLiteral("pPrefix"), QStringLiteral("pCurrencyallowdeddetails")};
+}
+
+namespace {
+void pointSessionAt(const QSqlDatabase& db, QDate processDate) {
+    qz2::gadocon = db;
+    qz2::gintCompanyID = 1;
+    qz2::gintUserID = 1;
+    qz2::gdtProcessDate = processDate;
+    qz2::gstrMsgboxTitle = QStringLiteral("Attendance Test");
+    qz2::gstrEntryMode.clear();
+    qz2::glngInterfaceID = qz2::kInterfaceID;
+    qz2::LinkedTableNames = {};
+}
+}  // namespace
+
+TestDb::TestDb(bool demo, QDate processDate) {
+    m_name = QStringLiteral("test-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+    db.setDatabaseName(QStringLiteral(":memory:"));
+    if (!db.open()) ADD_FAILURE() << db.lastError().text().toStdString();
+    qz2::demo::createSchema(db);
+    if (demo) {
+        qz2::demo::generate(db, processDate);
+    } else {
+        for (const QString& name : logicalTableNames())
+            exec(QStringLiteral("insert into linktable(tablename, linktablename) values('%1','%1')").arg(name));
+    }
+    pointSessionAt(db, processDate);
+    qz2::fnLoadLinkTableNames();
+}
+
+TestDb::TestDb(const QString& file) {
+    m_name = QStringLiteral("test-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
+    db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+    db.setDatabaseName(file);
+    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000"));
+    if (!db.open()) ADD_FAILURE() << db.lastError().text().toStdString();
+    pointSessionAt(db, QDate(2026, 11, 21));
+}
+
+TestDb::~TestDb() {
+    if (qz2::gadocon.connectionName() == m_name) qz2::gadocon = QSqlDatabase();
+    db.close();
+    db = QSqlDatabase();
+    QSqlDatabase::removeDatabase(m_name);
+}
+
+void TestDb::exec(const QString& sql) const {
+    QSqlQuery q(db);
+    if (!q.exec(sql)) ADD_FAILURE() << "SQL failed: " << sql.toStdString() << "\n" << q.lastError().text().toStdString();
+}
+
+QVariant TestDb::scalar(const QString& sql) const {
+    QSqlQuery q(db);
+    if (!q.exec(sql)) {
+        ADD_FAILURE() << "SQL failed: " << sql.toStdString() << "\n" << q.lastError().text().toStdString();
+        return {};
+    }
+    return q.next() ? q.value(0) : QVariant();
+}
+
+QList<QVariantList> TestDb::rows(const QString& sql) const {
+    QList<QVariantList> out;
+    QSqlQuery q(db);
+    if (!q.exec(sql)) {
+        ADD_FAILURE() << "SQL failed: " << sql.toStdString() << "\n" << q.lastError().text().toStdString();
+        return out;
+    }
+    while (q.next()) {
+        QVariantList row;
+        for (int i = 0; i < q.record().count(); ++i) row << q.value(i);
+        out << row;
+    }
+    return out;
+}
+
+QString TestDb::dump() const {
+    QString out;
+    QSqlQuery tables(db);
+    tables.exec(QStringLiteral("select name from sqlite_master where type='table' order by name"));
+    QStringList names;
+    while (tables.next()) names << tables.value(0).toString();
+    for (const QString& t : names) {
+        out += QStringLiteral("== ") + t + QLatin1Char('\n');
+        QSqlQuery q(db);
+        q.exec(QStringLiteral("select * from ") + t);
+        QStringList lines;
+        while (q.next()) {
+            QStringList cells;
+            for (int i = 0; i < q.record().count(); ++i)
+                cells << (q.value(i).isNull() ? QStringLiteral("NULL") : q.value(i).toString());
+            lines << cells.join(QLatin1Char('|'));
+        }
+        lines.sort();
+        out += lines.join(QLatin1Char('\n')) + QLatin1Char('\n');
+    }
+    return out;
+}
+
+void whenModal(std::function<void(QWidget*)> action, int timeoutMs) {
+    auto* timer = new QTimer(qApp);
+    auto* clock = new QElapsedTimer;
+    clock->start();
+    timer->setInterval(10);
+    QObject::connect(timer, &QTimer::timeout, [timer, clock, action, timeoutMs] {
+        QWidget* modal = QApplication::activeModalWidget();
+        if (modal && modal->isVisible()) {
+            timer->stop();
+            timer->deleteLater();
+            delete clock;
+            action(modal);
+            return;
+        }
+        if (clock->elapsed() > timeoutMs) {
+            timer->stop();
+            timer->deleteLater();
+            delete clock;
+            ADD_FAILURE() << "no modal window appeared";
+        }
+    });
+    timer->start();
+}
+
+void answerNextMessageBox(QMessageBox::StandardButton button, QString* textOut, int timeoutMs) {
+    whenModal(
+        [button, textOut](QWidget* w) {
+            auto* box = qobject_cast<QMessageBox*>(w);
+            if (!box) {
+                ADD_FAILURE() << "expected a message box, got " << w->metaObject()->className();
+                w->close();
+                return;
+            }
+            if (textOut) *textOut = box->text();
+            QAbstractButton* b = box->button(button);
+            if (!b) {
+                ADD_FAILURE() << "the message box has no such button: " << box->text().toStdString();
+                box->close();
+                return;
+            }
+            b->click();
+        },
+        timeoutMs);
+}
+
+}  // namespace qz2test

@@ -1,0 +1,49 @@
+#pragma once
+// Shared fixtures of the tests: a fresh SQLite database built from the schema, the session
+// context pinned to it, a full dump for before/after comparisons, and helpers that answer
+// modal boxes and dialogs the way a clerk would.
+
+#include <QDate>
+#include <QMessageBox>
+#include <QSqlDatabase>
+#include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <functional>
+
+namespace qz2test {
+
+// The 24 logical table names, in the link table's order.
+QStringList logicalTableNames();
+
+class TestDb {
+public:
+    // A new in-memory database with the schema and identity link-table rows. With `demo`
+    // the demo generator fills it for `processDate`. The session globals are pointed at it:
+    // company 1, user 1, the process date, the title "Attendance Test"; the link table is
+    // read into LinkedTableNames.
+    explicit TestDb(bool demo = false, QDate processDate = QDate(2026, 11, 21));
+    // An existing SQLite file (for multi-process tests); no schema is applied.
+    explicit TestDb(const QString& file);
+    ~TestDb();
+    TestDb(const TestDb&) = delete;
+    TestDb& operator=(const TestDb&) = delete;
+
+    QSqlDatabase db;
+    void exec(const QString& sql) const;                 // fails the test on error
+    QVariant scalar(const QString& sql) const;           // first field of the first row
+    QList<QVariantList> rows(const QString& sql) const;  // every row
+    // Every row of every table, sorted, as text: two dumps are equal when the data is.
+    QString dump() const;
+
+private:
+    QString m_name;
+};
+
+// Runs `action` on the first modal widget that appears (a message box or a dialog) once
+// it is shown; waits up to `timeoutMs`. Use before the call that opens it.
+void whenModal(std::function<void(QWidget*)> action, int timeoutMs = 5000);
+// Clicks the button of the given kind on the active message box, whenever it shows.
+void answerNextMessageBox(QMessageBox::StandardButton button, QString* textOut = nullptr, int timeoutMs = 5000);
+
+}  // namespace qz2test
