@@ -103,7 +103,6 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     flexMaster = new FlexGrid(this);
     flexMaster->setObjectName(QStringLiteral("flexMaster"));
     flexMaster->setSelectionBehavior(QAbstractItemView::SelectRows);
-    flexMaster->horizontalHeader()->setStretchLastSection(true);
     flexMaster->setAlternatingRowColors(true);
     setRegisterGrid(flexMaster);
 
@@ -229,8 +228,9 @@ void FrmMaster::GridPopulate(const QString& query) {
     }
     flexMaster->flexModel()->setAllRows(std::move(rows));
     loadHeadings(names);
-    const int widths[] = {1100, 1500, 1400, 3600, 1200};
+    const int widths[] = {1650, 1650, 1400, 3600, 1200};
     for (int c = 0; c < flexMaster->Cols() && c < 5; ++c) flexMaster->setColWidthTwips(c, widths[c]);
+    if (flexMaster->Cols() > 3) flexMaster->horizontalHeader()->setSectionResizeMode(3, QHeaderView::Stretch);
     GridColor();
 }
 

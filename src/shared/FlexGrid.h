@@ -42,6 +42,19 @@ public:
     // Replaces every data row at once (one reset rather than a signal per row).
     void setAllRows(QVector<QStringList> rows);
 
+    // The same grid in the rules' coordinates: row 0 is the heading, data row r is r-1.
+    int Rows() const { return dataRows() + 1; }
+    void setRows(int rows) { setDataRows(rows - 1); }
+    QString TextMatrix(int row, int col) const { return row == 0 ? header(col) : text(row - 1, col); }
+    void setTextMatrix(int row, int col, const QString& value) {
+        if (row == 0)
+            setHeader(col, value);
+        else
+            setText(row - 1, col, value);
+    }
+    void AddItem(const QStringList& cells) { appendRow(cells); }
+    void RemoveItem(int row) { removeDataRow(row - 1); }
+
     // The grid's generic sort: numbers compare as numbers, anything else as text without
     // regard to case; rows of equal keys keep their order.
     void sortGeneric(int col, bool ascending);
