@@ -40,6 +40,10 @@ QString Dialect::top1(const QString& tsqlText) const {
     return text + QStringLiteral(" limit 1");
 }
 
+QString Dialect::caseless(const QString& column) const {
+    return isSqlServer() ? column : column + QStringLiteral(" collate nocase");
+}
+
 QString Dialect::isNullFn() const { return isSqlServer() ? QStringLiteral("isnull(") : QStringLiteral("ifnull("); }
 
 QString Dialect::attendanceNumberQuery(const QString& headerTable, qint16 company, const QString& prefix) const {

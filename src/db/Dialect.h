@@ -44,6 +44,10 @@ public:
     // A T-SQL text that begins "Select top 1 " as it stands; SQLite takes "limit 1" at the end.
     QString top1(const QString& tsqlText) const;
 
+    // A text column compared without regard to letter case: SQL Server's collation already
+    // ignores case, SQLite needs "collate nocase".
+    QString caseless(const QString& column) const;
+
     // "isnull(" in T-SQL, "ifnull(" in SQLite.
     QString isNullFn() const;
 

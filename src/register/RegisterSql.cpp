@@ -44,7 +44,7 @@ QString monthlyLockQuery(qint16 company, const QString& id) {
 
 QString refreshQuery(const QString& master, const QString& condition) {
     QString q = master;
-    const qsizetype at = q.indexOf(QLatin1String("order by"), 0, Qt::CaseInsensitive);
+    const qsizetype at = q.indexOf(QLatin1String("order by"));
     if (at >= 0) q = q.left(at);
     if (q.contains(QLatin1String("where"), Qt::CaseInsensitive))
         q += QStringLiteral(" and ") + condition;

@@ -7,6 +7,8 @@
 #include <QSqlDatabase>
 #include <QString>
 
+#include "db/Dialect.h"
+
 class QWidget;
 
 namespace qz2 {
@@ -34,8 +36,8 @@ struct LinkedTableNamesT {
 };
 inline LinkedTableNamesT LinkedTableNames;
 
-// The exact statement that reads the link table.
-QString linkTableQuery();
+// The statement that reads the link table (SQL Server's text by default).
+QString linkTableQuery(const db::Dialect& dialect = db::Dialect::sqlServer());
 
 // Reads the link table on gadocon into LinkedTableNames. A logical name without a row keeps
 // its previous value; a NULL physical name raises (a DbError), as does a missing table or an

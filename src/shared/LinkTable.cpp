@@ -8,9 +8,10 @@
 
 namespace qz2 {
 
-QString linkTableQuery() {
-    return QStringLiteral(
-        " select tablename, linktablename from linktable where tablename in ( "
+QString linkTableQuery(const db::Dialect& d) {
+    return QStringLiteral(" select tablename, linktablename from linktable where ") + d.caseless(QStringLiteral("tablename")) +
+           QStringLiteral(
+        " in ( "
         " 'pusers', 'pCalenderHeader', 'pemployee', 'pCalenderDetail','pEmployeeAttendence','pEmpAttendanceDetail', 'ptables', "
         " 'pEmpAttendanceAllowanceDeductions','pSettings','pCurrencyMaster','pLeaveCancellationHeader','pleavecancellationdetail', "
         " 'PEmployeeLeaves','pleaveregisterDetail','pleaveregisterheader','pCalendarWTSheader',"
@@ -47,14 +48,15 @@ void fnLoadLinkTableNames() {
         {"pLeaveCancellationHeader", &t.pLeaveCancellationHeader},
         {"pEmpMonthlyEntryHeader", &t.pEmpMonthlyEntryHeader},
     };
-    db::Recordset rs = db::openRecordset(gadocon, linkTableQuery());
+    const QString query = linkTableQuery(db::Dialect::of(gadocon));
+    db::Recordset rs = db::openRecordset(gadocon, query);
     while (!rs.eof()) {
         const QString logical = rs.field(QStringLiteral("tablename")).toString().toUpper();
         for (const auto& [name, member] : members) {
             if (logical == QString::fromLatin1(name).toUpper()) {
                 const QVariant physical = rs.field(QStringLiteral("linktablename"));
                 if (physical.isNull())
-                    throw db::DbError(QStringLiteral("Invalid use of Null"), linkTableQuery());
+                    throw db::DbError(QStringLiteral("Invalid use of Null"), query);
                 *member = physical.toString();
             }
         }
