@@ -1,0 +1,109 @@
+#include "rules/Saving.h"
+
+#include <QSet>
+
+namespace qz2::rules {
+
+namespace {
+
+const char* const kTypeMismatch = "Type mismatch";
+
+QDate requiredDate(const QString& text) {
+    const auto d = cellDate(text);
+    if (!d) throw SaveDataError(kTypeMismatch);
+    return *d;
+}
+
+// A stored time: the cell's "hh:mm", or 00:00 for an empty cell.
+TimeValue storedTime(const QString& text) {
+    if (text.isEmpty()) return TimeValue();
+    const auto t = cellTime(text);
+    if (!t) throw SaveDataError(kTypeMismatch);
+    return *t;
+}
+
+}  // namespace
+
+std::optional<double> hoursToDecimal(const QString& hoursText) {
+    const auto t = parseTimeValue(hoursText);
+    if (!t) return std::nullopt;
+    return t->hour() + t->minute() / 60.0;
+}
+
+QString dayTypeForMirrorRow(const FlexGridModel& dayGrid, const QString& dateText) {
+    for (int r = 1; r < dayGrid.Rows(); ++r) {
+        if (dayGrid.TextMatrix(r, daycol::Date) == dateText)
+            return dayGrid.TextMatrix(r, daycol::Type).trimmed();
+    }
+    return {};
+}
+
+QList<DetailLine> fnMirrorDetailLines(const FlexGridModel& dayGrid, const FlexGridModel& mirror) {
+    QList<DetailLine> lines;
+    for (int r = 1; r < mirror.Rows(); ++r) {
+        const QString dateCell = mirror.TextMatrix(r, paircol::Date);
+        lines << DetailLine{r, requiredDate(dateCell), dayTypeForMirrorRow(dayGrid, dateCell),
+                            storedTime(mirror.TextMatrix(r, paircol::CheckIn)),
+                            storedTime(mirror.TextMatrix(r, paircol::CheckOut))};
+    }
+    return lines;
+}
+
+QList<DetailLine> fnInsertOtherDays(const FlexGridModel& dayGrid, const FlexGridModel& mirror,
+                                    int& detailCounter) {
+    QSet<QString> datesWithPairs;
+    for (int r = 1; r < mirror.Rows(); ++r) datesWithPairs << mirror.TextMatrix(r, paircol::Date);
+
+    QList<DetailLine> lines;
+    for (int r = 1; r < dayGrid.Rows(); ++r) {
+        const QString type = dayGrid.TextMatrix(r, daycol::Type).trimmed();
+        const QString dateCell = dayGrid.TextMatrix(r, daycol::Date);
+        const bool absentOrLeave = type == QLatin1String("A") || type == QLatin1String("L");
+        // A holiday with recorded times was written with the mirror's lines.
+        const bool bareHoliday = type == QLatin1String("H") && !datesWithPairs.contains(dateCell);
+        if (!absentOrLeave && !bareHoliday) continue;
+        ++detailCounter;
+        lines << DetailLine{detailCounter, requiredDate(dateCell), type, std::nullopt,
+                            std::nullopt};
+    }
+    return lines;
+}
+
+QList<DetailLine> detailLinesToInsert(const FlexGridModel& dayGrid, const FlexGridModel& mirror) {
+    QList<DetailLine> lines = fnMirrorDetailLines(dayGrid, mirror);
+    int counter = static_cast<int>(lines.size());
+    lines += fnInsertOtherDays(dayGrid, mirror, counter);
+    return lines;
+}
+
+QList<AllowanceLine> allowanceLinesToInsert(const FlexGridModel& dayGrid, int allowanceId,
+                                            int deductionId) {
+    QList<AllowanceLine> lines;
+    int detailId = 0;
+    for (int r = 1; r < dayGrid.Rows(); ++r) {
+        const QString code = dayGrid.TextMatrix(r, daycol::AllowanceType).trimmed();
+        const bool allowance = code == QLatin1String("A");
+        if (!allowance && code != QLatin1String("D")) continue;
+        const QDate date = requiredDate(dayGrid.TextMatrix(r, daycol::Date));
+        const auto hours = hoursToDecimal(dayGrid.TextMatrix(r, daycol::Hours));
+        if (!hours) throw SaveDataError(kTypeMismatch);
+        AllowanceLine line{++detailId, date, *hours, std::nullopt, std::nullopt};
+        if (allowance)
+            line.allowanceId = allowanceId;
+        else
+            line.deductionId = deductionId;
+        lines << line;
+    }
+    return lines;
+}
+
+bool processAttendanceMissing(const FlexGridModel& dayGrid, const FlexGridModel& mirror) {
+    if (dayGrid.Rows() < 2) return true;
+    if (mirror.Rows() >= 2) return false;
+    for (int r = 1; r < dayGrid.Rows(); ++r) {
+        if (dayGrid.TextMatrix(r, daycol::Type).trimmed() != QLatin1String("P")) return true;
+    }
+    return false;
+}
+
+}  // namespace qz2::rules
