@@ -294,8 +294,8 @@ void FrmMaster::txtsearch_KeyUp() {
         const int col = cboSearch->currentData().toInt();
         const FlexGridModel* m = flexMaster->flexModel();
         for (int r = 0; r < m->dataRows(); ++r) {
+            // Clerks type names as they say them, so the match ignores letter case.
             if (m->text(r, col).trimmed().startsWith(text, Qt::CaseInsensitive)) {
-                const QSignalBlocker block(flexMaster->selectionModel());
                 flexMaster->setCurrentCell(r + 1, col);
                 flexMaster->selectRow(r);
                 flexMaster->scrollTo(flexMaster->currentIndex(), QAbstractItemView::PositionAtTop);
