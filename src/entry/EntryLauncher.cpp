@@ -1,17 +1,26 @@
 #include "entry/EntryLauncher.h"
 
-#include <QDialog>
 #include <QString>
+
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "shared/BasAttendence.h"
 
 namespace qz2::entry {
 
-// Interim: the entry form is being built; until then New and Edit open its empty shell.
 void showNewEntry(QWidget* parent) {
-    QDialog form(parent);
-    form.setObjectName(QStringLiteral("frmEmployeeDailyAttendance"));
+    frmEmployeeDailyAttendance form(parent);
+    form.Form_Load();
     form.exec();
 }
 
-void openEntryForEdit(QWidget* parent, const QString&, bool) { showNewEntry(parent); }
+// Opens the form in Edit mode. Loading the stored entry into it (its header, days, pairs
+// and claims) belongs to the register's edit path and is added there; until then the form
+// opens with its Edit-mode start-up only.
+void openEntryForEdit(QWidget* parent, const QString&, bool) {
+    gstrEntryMode = QStringLiteral("E");
+    frmEmployeeDailyAttendance form(parent);
+    form.Form_Load();
+    form.exec();
+}
 
 }  // namespace qz2::entry

@@ -1,0 +1,415 @@
+// The entry form's controls and layout, its start-up, keyboard handling, Cancel and the
+// set-up of its three grids.
+
+#include <QAction>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QEvent>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QPushButton>
+#include <QSplitter>
+#include <QTimeEdit>
+#include <QVBoxLayout>
+#include <exception>
+
+#include "commonmodule/CommonModule.h"
+#include "entry/DateTextValidator.h"
+#include "entry/EntrySql.h"
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "picker/frmEmployeesAttendanceEntryStatus.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+
+namespace qz2 {
+
+namespace {
+
+template <typename W>
+W* named(W* widget, const char* name) {
+    widget->setObjectName(QString::fromLatin1(name));
+    return widget;
+}
+
+QLineEdit* readOnlyBox(QWidget* parent, const char* name, int minChars) {
+    auto* box = named(new QLineEdit(parent), name);
+    box->setReadOnly(true);
+    box->setMinimumWidth(box->fontMetrics().horizontalAdvance(QLatin1Char('0')) * minChars + 16);
+    return box;
+}
+
+QPushButton* button(QWidget* parent, const char* name, const QString& caption) {
+    auto* b = named(new QPushButton(caption, parent), name);
+    // Enter moves to the next control on this form; it must never press a button by itself.
+    b->setAutoDefault(false);
+    b->setDefault(false);
+    return b;
+}
+
+QLabel* buddyLabel(const QString& caption, QWidget* buddy, QWidget* parent) {
+    auto* label = new QLabel(caption, parent);
+    label->setBuddy(buddy);
+    return label;
+}
+
+}  // namespace
+
+frmEmployeeDailyAttendance::frmEmployeeDailyAttendance(QWidget* parent) : QDialog(parent) {
+    setObjectName(QStringLiteral("frmEmployeeDailyAttendance"));
+    setWindowTitle(tr("Daily Attendance Entry"));
+    setSizeGripEnabled(true);
+    buildControls();
+    buildLayout();
+    connectEvents();
+    applyTabOrder();
+    fnSetUpAttendanceGrid();
+    fnSetUpCheckGrid();
+    fnSetUpMirrorGrid();
+}
+
+frmEmployeeDailyAttendance::~frmEmployeeDailyAttendance() = default;
+
+void frmEmployeeDailyAttendance::buildControls() {
+    fraEmployeeAttendance =
+        named(new QGroupBox(tr("Employee and period"), this), "fraEmployeeAttendance");
+    fraGridContainer =
+        named(new QGroupBox(tr("Attendance of the period"), this), "fraGridContainer");
+
+    QWidget* top = fraEmployeeAttendance;
+    cboEmpname = named(new QComboBox(top), "cboEmpname");
+    cboEmpname->setMinimumContentsLength(24);
+    cboEmpname->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    lblEmpname = named(buddyLabel(tr("&Employee:"), cboEmpname, top), "lblEmpname");
+    cmdEmployee = button(top, "cmdEmployee", tr("Entry &status..."));
+    cmdEmployee->setToolTip(
+        tr("Choose the employee from the list that shows who can still be processed"));
+    txtAttNo = readOnlyBox(top, "txtAttNo", 10);
+    txtAttNo->setToolTip(tr("Given when the entry is saved"));
+    txtAttdate = named(new QLineEdit(top), "txtAttdate");
+    entry::DateTextValidator::guard(txtAttdate);
+    txtStartDate = named(new QLineEdit(top), "txtStartDate");
+    entry::DateTextValidator::guard(txtStartDate);
+    dtpEndDate = named(new QDateEdit(top), "dtpEndDate");
+    dtpEndDate->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
+    dtpEndDate->setCalendarPopup(true);
+    // The end as text, for the code that reads it so; the date picker shows it to the clerk.
+    txtEndDate = named(new QLineEdit(top), "txtEndDate");
+    txtEndDate->setReadOnly(true);
+    txtEndDate->setVisible(false);
+    txtTotalDays = readOnlyBox(top, "txtTotalDays", 4);
+
+    QWidget* mid = fraGridContainer;
+    lstAbsentDays = named(new QListWidget(mid), "lstAbsentDays");
+    // A click ticks or unticks a day; ticked days are also shown selected, so the picks
+    // stand out however the list is read.
+    lstAbsentDays->setSelectionMode(QAbstractItemView::MultiSelection);
+    lstAbsentDays->setToolTip(tr("Tick the days the employee was absent, then press Populate"));
+    lstAbsentDays->setMinimumWidth(
+        lstAbsentDays->fontMetrics().horizontalAdvance(QStringLiteral("0000/00/00")) + 56);
+    cmdPopulateRecords = button(mid, "cmdPopulateRecords", tr("&Populate"));
+    mfgAttendance = named(new FlexGrid(mid), "mfgAttendance");
+    mfgCheckinCheckOut = named(new FlexGrid(mid), "mfgCheckinCheckOut");
+    mfgMirrorGrid = named(new FlexGrid(mid), "mfgMirrorGrid");
+    mfgMirrorGrid->setVisible(false);
+    chkAllowanceDeductions =
+        named(new QCheckBox(tr("Allowance/Deductions"), mid), "chkAllowanceDeductions");
+    txtAllowanceDeductions = named(new QLineEdit(mid), "txtAllowanceDeductions");
+    txtAllowanceDeductions->setMaximumWidth(
+        txtAllowanceDeductions->fontMetrics().horizontalAdvance(QStringLiteral("00000.00")) + 16);
+    txtNoPresent = readOnlyBox(mid, "txtNoPresent", 5);
+    txtNoLeave = readOnlyBox(mid, "txtNoLeave", 5);
+    txtNoAbsent = readOnlyBox(mid, "txtNoAbsent", 5);
+
+    txtRemarks = named(new QLineEdit(this), "txtRemarks");
+    cmdOK = button(this, "cmdOK", tr("OK"));
+    cmdCancel = button(this, "cmdCancel", tr("Cancel"));
+
+    mnuPopUp = named(new QMenu(this), "mnuPopUp");
+    mnuDelete = named(mnuPopUp->addAction(tr("&Delete")), "mnuDelete");
+    mnuHalfDay = named(mnuPopUp->addAction(tr("&Mark Half Day Absent")), "mnuHalfDay");
+}
+
+void frmEmployeeDailyAttendance::buildLayout() {
+    // Employee and period: who, which entry, which days. Labels in the first column,
+    // each line's boxes after them; only the employee box grows with the form.
+    auto* head = new QGridLayout(fraEmployeeAttendance);
+    auto* employeeRow = new QHBoxLayout;
+    employeeRow->addWidget(cboEmpname, 1);
+    employeeRow->addWidget(cmdEmployee);
+    employeeRow->addSpacing(16);
+    employeeRow->addWidget(buddyLabel(tr("Attendance &no:"), txtAttNo, fraEmployeeAttendance));
+    employeeRow->addWidget(txtAttNo);
+    employeeRow->addSpacing(16);
+    employeeRow->addWidget(buddyLabel(tr("Entry &date:"), txtAttdate, fraEmployeeAttendance));
+    employeeRow->addWidget(txtAttdate);
+    auto* periodRow = new QHBoxLayout;
+    periodRow->addWidget(txtStartDate);
+    periodRow->addSpacing(16);
+    periodRow->addWidget(buddyLabel(tr("&To:"), dtpEndDate, fraEmployeeAttendance));
+    periodRow->addWidget(dtpEndDate);
+    periodRow->addSpacing(16);
+    periodRow->addWidget(buddyLabel(tr("Total da&ys:"), txtTotalDays, fraEmployeeAttendance));
+    periodRow->addWidget(txtTotalDays);
+    periodRow->addWidget(txtEndDate);
+    periodRow->addStretch(1);
+    head->addWidget(lblEmpname, 0, 0);
+    head->addLayout(employeeRow, 0, 1);
+    head->addWidget(buddyLabel(tr("&From:"), txtStartDate, fraEmployeeAttendance), 1, 0);
+    head->addLayout(periodRow, 1, 1);
+    head->setColumnStretch(1, 1);
+    const auto widthFor = [](QWidget* w, const QString& sample, int extra) {
+        w->setFixedWidth(w->fontMetrics().horizontalAdvance(sample) + extra);
+    };
+    widthFor(txtAttNo, QStringLiteral("ATT0000000"), 16);
+    widthFor(txtAttdate, QStringLiteral("00/00/00000"), 16);
+    widthFor(txtStartDate, QStringLiteral("00/00/00000"), 16);
+    widthFor(dtpEndDate, QStringLiteral("00/00/00000"), 48);
+    widthFor(txtTotalDays, QStringLiteral("00000"), 16);
+    for (QLineEdit* box : {txtNoPresent, txtNoLeave, txtNoAbsent})
+        widthFor(box, QStringLiteral("000.00"), 16);
+
+    // Left: the days to mark absent and Populate; middle: the day grid and the counts;
+    // right: the selected day's check-in/check-out pairs and its allowance or deduction.
+    auto* absentPane = new QWidget(fraGridContainer);
+    auto* absentBox = new QVBoxLayout(absentPane);
+    absentBox->setContentsMargins(0, 0, 0, 0);
+    absentBox->addWidget(buddyLabel(tr("&Absent days:"), lstAbsentDays, absentPane));
+    absentBox->addWidget(lstAbsentDays, 1);
+    absentBox->addWidget(cmdPopulateRecords);
+
+    auto* dayPane = new QWidget(fraGridContainer);
+    auto* dayBox = new QVBoxLayout(dayPane);
+    dayBox->setContentsMargins(0, 0, 0, 0);
+    dayBox->addWidget(buddyLabel(tr("Days of the per&iod:"), mfgAttendance, dayPane));
+    dayBox->addWidget(mfgAttendance, 1);
+    auto* counts = new QHBoxLayout;
+    counts->addWidget(buddyLabel(tr("Present:"), txtNoPresent, dayPane));
+    counts->addWidget(txtNoPresent);
+    counts->addSpacing(8);
+    counts->addWidget(buddyLabel(tr("Leave:"), txtNoLeave, dayPane));
+    counts->addWidget(txtNoLeave);
+    counts->addSpacing(8);
+    counts->addWidget(buddyLabel(tr("Absent:"), txtNoAbsent, dayPane));
+    counts->addWidget(txtNoAbsent);
+    counts->addStretch(1);
+    dayBox->addLayout(counts);
+
+    auto* pairPane = new QWidget(fraGridContainer);
+    auto* pairBox = new QVBoxLayout(pairPane);
+    pairBox->setContentsMargins(0, 0, 0, 0);
+    pairBox->addWidget(
+        buddyLabel(tr("C&heck-in / check-out of the day:"), mfgCheckinCheckOut, pairPane));
+    pairBox->addWidget(mfgCheckinCheckOut, 1);
+    auto* claim = new QHBoxLayout;
+    claim->addWidget(chkAllowanceDeductions);
+    claim->addWidget(txtAllowanceDeductions);
+    claim->addStretch(1);
+    pairBox->addLayout(claim);
+    // The time picker floats over the pair grid's cells, so it shares the grid's parent.
+    dtpCheckTime = named(new QTimeEdit(pairPane), "dtpCheckTime");
+    dtpCheckTime->setDisplayFormat(QStringLiteral("HH:mm"));
+    dtpCheckTime->setVisible(false);
+    mfgMirrorGrid->setParent(pairPane);
+    mfgMirrorGrid->setVisible(false);
+
+    auto* splitter = new QSplitter(Qt::Horizontal, fraGridContainer);
+    splitter->setChildrenCollapsible(false);
+    splitter->addWidget(absentPane);
+    splitter->addWidget(dayPane);
+    splitter->addWidget(pairPane);
+    splitter->setStretchFactor(0, 0);
+    splitter->setStretchFactor(1, 3);
+    splitter->setStretchFactor(2, 2);
+    auto* gridBox = new QVBoxLayout(fraGridContainer);
+    gridBox->addWidget(splitter);
+
+    auto* bottom = new QHBoxLayout;
+    bottom->addWidget(buddyLabel(tr("&Remarks:"), txtRemarks, this));
+    bottom->addWidget(txtRemarks, 1);
+    bottom->addSpacing(12);
+    bottom->addWidget(cmdOK);
+    bottom->addWidget(cmdCancel);
+
+    auto* form = new QVBoxLayout(this);
+    form->addWidget(fraEmployeeAttendance);
+    form->addWidget(fraGridContainer, 1);
+    form->addLayout(bottom);
+
+    // The day grid's columns are narrower than some of their headings: the headings wrap
+    // onto a second line instead of being cut.
+    for (FlexGrid* grid : {mfgAttendance, mfgCheckinCheckOut}) {
+        grid->horizontalHeader()->setDefaultAlignment(
+            Qt::Alignment(Qt::AlignCenter | Qt::TextWordWrap));
+        grid->horizontalHeader()->setMinimumHeight(grid->fontMetrics().height() * 2 + 8);
+    }
+    // Day grid: the marker column plus the four visible columns; pair grid: four columns.
+    mfgAttendance->setMinimumWidth(390);
+    mfgCheckinCheckOut->setMinimumWidth(300);
+    splitter->setSizes({170, 470, 340});
+    resize(1040, 620);
+}
+
+void frmEmployeeDailyAttendance::connectEvents() {
+    connect(cboEmpname, &QComboBox::currentIndexChanged, this, [this] { cboEmpname_Click(); });
+    connect(cmdEmployee, &QPushButton::clicked, this, [this] { cmdEmployee_Click(); });
+    connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
+    connect(lstAbsentDays, &QListWidget::itemChanged, this,
+            [this](QListWidgetItem* item) { syncAbsentDayCheck(item); });
+    connect(lstAbsentDays, &QListWidget::itemSelectionChanged, this,
+            [this] { syncAbsentDaySelection(); });
+    // Enter moves on from these controls, as the Tab key would.
+    for (QWidget* w : std::initializer_list<QWidget*>{
+             cboEmpname, chkAllowanceDeductions, txtAttdate, txtAttNo, txtNoAbsent, txtNoLeave,
+             txtNoPresent, txtStartDate, txtTotalDays, lstAbsentDays, txtRemarks})
+        w->installEventFilter(this);
+}
+
+void frmEmployeeDailyAttendance::applyTabOrder() {
+    const QList<QWidget*> order = {cboEmpname,
+                                   cmdEmployee,
+                                   txtAttNo,
+                                   txtAttdate,
+                                   txtStartDate,
+                                   dtpEndDate,
+                                   txtTotalDays,
+                                   lstAbsentDays,
+                                   cmdPopulateRecords,
+                                   mfgAttendance,
+                                   txtNoPresent,
+                                   txtNoLeave,
+                                   txtNoAbsent,
+                                   mfgCheckinCheckOut,
+                                   chkAllowanceDeductions,
+                                   txtAllowanceDeductions,
+                                   txtRemarks,
+                                   cmdOK,
+                                   cmdCancel};
+    for (int i = 1; i < order.size(); ++i) QWidget::setTabOrder(order[i - 1], order[i]);
+}
+
+bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+            if (watched == txtRemarks)
+                fnEnterToTab(13);
+            else
+                sendTab();
+            return true;
+        }
+    }
+    return QDialog::eventFilter(watched, event);
+}
+
+void frmEmployeeDailyAttendance::showEvent(QShowEvent* event) {
+    if (!m_loaded) Form_Load();
+    QDialog::showEvent(event);
+}
+
+bool frmEmployeeDailyAttendance::isNewMode() const {
+    return gstrEntryMode != QLatin1String("E");
+}
+
+void frmEmployeeDailyAttendance::Form_Load() {
+    m_loaded = true;
+    m_gen = commonmodule::createCommonGen();
+    m_db = commonmodule::createCommonDB(gadocon);
+    try {
+        m_db->strTableName = LinkedTableNames.pemployee;
+        m_db->populatecomboorlist(cboEmpname, QStringLiteral("eEmpId"), QStringLiteral("ename"),
+                                  entry::sql::employeeListCondition(dialect(), gintCompanyID));
+        m_db->strTableName = QStringLiteral("pSettings");
+        intGraceTime =
+            static_cast<qint16>(m_db->fnReturnField(QStringLiteral("gracetime")).toInt());
+        blnConsiderLeaveHolidays =
+            m_db->fnReturnField(QStringLiteral("ConsiderLeaveHolidays")).toBool();
+        if (isNewMode()) {
+            txtAttdate->setText(dateText(gdtProcessDate));
+            txtStartDate->setText(dateText(gdtProcessDate));
+            dtpEndDate->setDate(gdtProcessDate.addDays(1));
+            if (cboEmpname->count() > 0) {
+                cboEmpname->setCurrentIndex(0);
+                lngEmployeeID = cboEmpname->itemData(0).toInt();
+            }
+            fnSetUpAttendanceGrid();
+            fnSetUpCheckGrid();
+            fnShowTotalDays();
+        } else {
+            fnSetUpAttendanceGrid();
+            fnSetUpCheckGrid();
+        }
+    } catch (const std::exception&) {
+        // A failed start-up leaves the form with what was filled, without a message.
+    }
+    cboEmpname->setFocus();
+}
+
+void frmEmployeeDailyAttendance::cmdCancel_Click() {
+    reject();
+}
+
+void frmEmployeeDailyAttendance::cmdEmployee_Click() {
+    frmEmployeesAttendanceEntryStatus picker(cboEmpname, this);
+    picker.Form_Load();
+    picker.exec();
+}
+
+void frmEmployeeDailyAttendance::fnSetUpAttendanceGrid() {
+    mfgAttendance->setRows(1);
+    mfgAttendance->setCols(7);
+    const char* headings[] = {"",      "Date",         "Type", "Worked Hours", "Schedule Hours",
+                              "Hours", "AllowanceType"};
+    for (int c = 0; c < 7; ++c)
+        mfgAttendance->setTextMatrix(0, c, QString::fromLatin1(headings[c]));
+    mfgAttendance->setColWidthTwips(colMarker, 300);
+    mfgAttendance->setColWidthTwips(colDate, 1400);
+    mfgAttendance->setColWidthTwips(colType, 1000);
+    mfgAttendance->setColWidthTwips(colWorked, 1250);
+    mfgAttendance->setColWidthTwips(colSchedule, 1250);
+    mfgAttendance->setColWidthTwips(colHours, 0);
+    mfgAttendance->setColWidthTwips(colAllowanceType, 0);
+}
+
+namespace {
+void setUpPairGrid(FlexGrid* grid) {
+    grid->setRows(1);
+    grid->setCols(4);
+    const char* headings[] = {"Date", "SlNo", "CheckIn", "Check Out"};
+    for (int c = 0; c < 4; ++c) grid->setTextMatrix(0, c, QString::fromLatin1(headings[c]));
+    grid->setColWidthTwips(0, 1400);
+    grid->setColWidthTwips(1, 700);
+    grid->setColWidthTwips(2, 1000);
+    grid->setColWidthTwips(3, 1100);
+}
+}  // namespace
+
+void frmEmployeeDailyAttendance::fnSetUpCheckGrid() {
+    setUpPairGrid(mfgCheckinCheckOut);
+}
+void frmEmployeeDailyAttendance::fnSetUpMirrorGrid() {
+    setUpPairGrid(mfgMirrorGrid);
+}
+
+void frmEmployeeDailyAttendance::fnClearGrids() {
+    fnSetUpAttendanceGrid();
+    fnSetUpCheckGrid();
+    mfgMirrorGrid->setRows(1);
+    for (FlexGrid* grid : {mfgAttendance, mfgCheckinCheckOut, mfgMirrorGrid}) grid->clearCurrent();
+    dtpCheckTime->setVisible(false);
+}
+
+void frmEmployeeDailyAttendance::fnShowTotalDays() {
+    const std::optional<QDate> start = parseDmy(txtStartDate->text());
+    if (!start) return;
+    txtTotalDays->setText(QString::number(entry::fnTotalDays(*start, dtpEndDate->date())));
+}
+
+}  // namespace qz2

@@ -1,0 +1,218 @@
+// Choosing the employee: department and date of join, the department-wise conditions, the
+// proposed period of a new entry, the calendar and work-time checks, the absent-day list
+// and the monthly-entry overlap check that saving asks.
+
+#include <QComboBox>
+#include <QDateEdit>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QSet>
+#include <exception>
+
+#include "db/Database.h"
+#include "entry/EntrySql.h"
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "shared/BasAttendence.h"
+#include "shared/MsgBox.h"
+
+namespace qz2 {
+
+namespace {
+// A bit column: 0/1 on SQLite, a Boolean through ODBC; NULL counts as off.
+bool isOn(const QVariant& v) {
+    return !v.isNull() && v.toBool();
+}
+
+void tell(const QString& text) {
+    MsgBox(text, MsgButtons::Ok, MsgIcon::Information);
+}
+}  // namespace
+
+void frmEmployeeDailyAttendance::cboEmpname_Click() {
+    // Selecting an item from inside this handler (or from a message box it shows) must not
+    // start the handler again half-way through.
+    if (m_inEmployeeClick) return;
+    const QScopedValueRollback guard(m_inEmployeeClick, true);
+    if (cboEmpname->count() == 0 || cboEmpname->currentIndex() < 0) return;
+    try {
+        lngEmployeeID = cboEmpname->currentData().toInt();
+        // Another employee may have another department and so other schedules.
+        m_cache.clear();
+        GetDeptID();
+        fnClearGrids();
+        // The listed days belong to the previous employee's period; the new period (or the
+        // entry being edited) lists its own.
+        lstAbsentDays->clear();
+        if (isNewMode() && fnProposePeriod() && !txtStartDate->text().trimmed().isEmpty())
+            fnShowTotalDays();
+        fnCheckWorkTimeSettings();
+    } catch (const std::exception&) {
+        // Trapped: the form keeps what it had when the statement failed.
+    }
+}
+
+bool frmEmployeeDailyAttendance::GetDeptID() {
+    strCalendarCondition.clear();
+    strWorkTimeCondition.clear();
+    bool calendarByDepartment = false;
+    bool workTimeByDepartment = false;
+    {
+        const db::Recordset rs =
+            db::openRecordset(gadocon, entry::sql::departmentSwitchesQuery(gintCompanyID));
+        if (!rs.eof()) {
+            calendarByDepartment = isOn(rs.field(QStringLiteral("calendardepwise")));
+            workTimeByDepartment = isOn(rs.field(QStringLiteral("cwtsdepwise")));
+        }
+    }
+    const db::Recordset rs = db::openRecordset(
+        gadocon, entry::sql::employeeDepartmentQuery(gintCompanyID, lngEmployeeID));
+    if (rs.eof()) {
+        // Nothing of the previous employee may carry over to this one.
+        lngDepartmentID = 0;
+        strDepartmentName.clear();
+        dtDateOfJoin.reset();
+        tell(QStringLiteral("There is no department for this employee."));
+        return false;
+    }
+    lngDepartmentID = rs.field(QStringLiteral("DepartmentID")).toInt();
+    strDepartmentName = rs.field(QStringLiteral("DepartmentName")).toString();
+    const std::optional<TimeValue> joined =
+        timeValueFromDb(rs.field(QStringLiteral("eDateofjoin")));
+    dtDateOfJoin = joined ? std::optional<QDate>(joined->date()) : std::nullopt;
+    if (calendarByDepartment)
+        strCalendarCondition = entry::sql::calendarDepartmentCondition(lngDepartmentID);
+    if (workTimeByDepartment)
+        strWorkTimeCondition = entry::sql::workTimeDepartmentCondition(lngDepartmentID);
+    return true;
+}
+
+bool frmEmployeeDailyAttendance::fnProposePeriod() {
+    QDate start;
+    const std::optional<TimeValue> next = timeValueFromDb(db::scalar(
+        gadocon, entry::sql::nextPeriodStartQuery(dialect(), gintCompanyID, lngEmployeeID)));
+    if (next) {
+        start = next->date();
+    } else {
+        // The employee's first entry: the start of the business date's pay month, or, when
+        // the company has none, whatever start the form already shows.
+        start = parseDmy(txtStartDate->text()).value_or(QDate());
+        const db::Recordset rs = db::openRecordset(
+            gadocon, entry::sql::payMonthStartQuery(gintCompanyID, gdtProcessDate.month()));
+        if (!rs.eof()) {
+            if (const auto payDay = timeValueFromDb(rs.field(QStringLiteral("PayRollDay"))))
+                start = entry::movePayMonthStartIntoYear(payDay->date(), gdtProcessDate);
+        }
+    }
+    if (!start.isValid()) return false;
+    const QDate end = entry::proposedPeriodEnd(start);
+    const entry::JoinedStart joined = entry::applyDateOfJoin(start, dtDateOfJoin);
+    if (joined.invalidDateOfJoin) {
+        tell(QStringLiteral("Invalid date of Join cannot proceed"));
+        return false;
+    }
+    dtPeriodStart = joined.start;
+    dtPeriodEnd = end;
+    txtStartDate->setText(dateText(dtPeriodStart));
+    dtpEndDate->setDate(dtPeriodEnd);
+    txtEndDate->setText(dateText(dtPeriodEnd));
+    if (FnCheckCalendarSettingsNotEntered()) fnPopoulateList(dtPeriodStart, dtPeriodEnd);
+    return true;
+}
+
+bool frmEmployeeDailyAttendance::FnCheckCalendarSettingsNotEntered() {
+    // The calendar of the start's year, then that of the end's year: a period across the
+    // turn of a year needs both.
+    for (QLineEdit* box : {txtStartDate, txtEndDate}) {
+        const std::optional<QDate> day = parseDmy(box->text());
+        if (!day) return false;
+        const int year = day->year();
+        const QVariant count = db::scalar(
+            gadocon, entry::sql::calendarCountQuery(gintCompanyID, strCalendarCondition, year));
+        if (count.toLongLong() == 0) {
+            tell(QStringLiteral("Calender Settings not Found for ") + strDepartmentName.trimmed() +
+                 QStringLiteral(" for the year - ") + QString::number(year));
+            cmdPopulateRecords->setEnabled(false);
+            cmdOK->setEnabled(false);
+            return false;
+        }
+        cmdPopulateRecords->setEnabled(true);
+        cmdOK->setEnabled(true);
+    }
+    return true;
+}
+
+bool frmEmployeeDailyAttendance::fnIsMonthlyEntryOverlapping(qint32 employee, QDate start,
+                                                             QDate end) const {
+    const QVariant count =
+        db::scalar(gadocon, entry::sql::monthlyEntryOverlapQuery(dialect(), employee, start, end));
+    return count.toLongLong() > 0;
+}
+
+bool frmEmployeeDailyAttendance::fnCheckWorkTimeSettings() {
+    const QVariant newest =
+        db::scalar(gadocon, entry::sql::workTimeSettingQuery(gintCompanyID, strWorkTimeCondition));
+    if (newest.isNull()) {
+        lngWorkTimeSettingID = 0;
+        tell(QStringLiteral("Worktime Settings not Found for ") + strDepartmentName);
+        return false;
+    }
+    lngWorkTimeSettingID = newest.toInt();
+    return true;
+}
+
+void frmEmployeeDailyAttendance::fnPopoulateList(QDate start, QDate end) {
+    lstAbsentDays->clear();
+    QSet<QDate> holidays;
+    try {
+        const db::Recordset rs =
+            db::openRecordset(gadocon, entry::sql::holidayListQuery(dialect(), gintCompanyID, start,
+                                                                    end, strCalendarCondition));
+        for (db::Recordset r = rs; !r.eof(); r.moveNext())
+            if (const auto day = timeValueFromDb(r.field(0))) holidays.insert(day->date());
+    } catch (const std::exception&) {
+        return;
+    }
+    const QSignalBlocker quiet(lstAbsentDays);
+    for (QDate day = start; day.isValid() && day <= end; day = day.addDays(1)) {
+        if (holidays.contains(day)) continue;
+        auto* item =
+            new QListWidgetItem(TimeValue::fromDate(day).format(u"yyyy/mm/dd"), lstAbsentDays);
+        item->setData(Qt::UserRole, day);
+        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+        item->setCheckState(Qt::Unchecked);
+    }
+}
+
+bool frmEmployeeDailyAttendance::isAbsentDayPicked(const QListWidgetItem* item) {
+    return item && item->checkState() == Qt::Checked;
+}
+
+QList<QDate> frmEmployeeDailyAttendance::fnPickedAbsentDays() const {
+    QList<QDate> days;
+    for (int i = 0; i < lstAbsentDays->count(); ++i) {
+        const QListWidgetItem* item = lstAbsentDays->item(i);
+        if (isAbsentDayPicked(item)) days << item->data(Qt::UserRole).toDate();
+    }
+    return days;
+}
+
+// A tick and a selection mean the same pick: whichever the clerk changes, the other follows.
+void frmEmployeeDailyAttendance::syncAbsentDayCheck(QListWidgetItem* item) {
+    if (m_syncingAbsentDays || !item) return;
+    const QScopedValueRollback guard(m_syncingAbsentDays, true);
+    item->setSelected(item->checkState() == Qt::Checked);
+}
+
+void frmEmployeeDailyAttendance::syncAbsentDaySelection() {
+    if (m_syncingAbsentDays) return;
+    const QScopedValueRollback guard(m_syncingAbsentDays, true);
+    for (int i = 0; i < lstAbsentDays->count(); ++i) {
+        QListWidgetItem* item = lstAbsentDays->item(i);
+        const Qt::CheckState wanted = item->isSelected() ? Qt::Checked : Qt::Unchecked;
+        if (item->checkState() != wanted) item->setCheckState(wanted);
+    }
+}
+
+}  // namespace qz2

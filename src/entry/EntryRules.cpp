@@ -1,0 +1,101 @@
+#include "entry/EntryRules.h"
+
+#include <cmath>
+
+#include "db/Database.h"
+
+namespace qz2::entry {
+
+qint16 fnDayIDFromName(const QString& shortName) {
+    static const char* const kNames[] = {"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
+    const QString name = shortName.trimmed();
+    for (qint16 i = 0; i < 7; ++i)
+        if (name == QLatin1String(kNames[i])) return static_cast<qint16>(i + 1);
+    return 0;
+}
+
+qint16 fnGetDayID(QDate date) {
+    if (!date.isValid()) return 0;
+    return fnDayIDFromName(TimeValue::fromDate(date).format(u"ddd"));
+}
+
+namespace {
+// Only the time of day of a scheduled time matters, whatever day the driver attaches.
+std::optional<TimeValue> timeOfDayFromDb(const QVariant& v) {
+    const std::optional<TimeValue> value = timeValueFromDb(v);
+    if (!value) return std::nullopt;
+    return TimeValue::fromTime(value->timeOfDay());
+}
+}  // namespace
+
+ScheduleLine scheduleLineFrom(const db::Recordset& rs) {
+    ScheduleLine line;
+    for (int p = 0; p < 4; ++p) {
+        const QString n = QString::number(p + 1);
+        line.checkIn[p] = timeOfDayFromDb(rs.field(QStringLiteral("cwtsCheckIn") + n));
+        line.checkOut[p] = timeOfDayFromDb(rs.field(QStringLiteral("cwtsCheckOut") + n));
+    }
+    return line;
+}
+
+QVector<ScheduledPair> completePairs(const ScheduleLine& line) {
+    QVector<ScheduledPair> pairs;
+    for (int p = 0; p < 4; ++p)
+        if (line.checkIn[p] && line.checkOut[p])
+            pairs.push_back({*line.checkIn[p], *line.checkOut[p]});
+    return pairs;
+}
+
+TimeValue scheduledHours(const ScheduleLine& line) {
+    TimeValue total;
+    for (const ScheduledPair& pair : completePairs(line))
+        total = total + (pair.checkOut - pair.checkIn);
+    return total;
+}
+
+namespace {
+qint64 seconds(TimeValue v) {
+    return std::llround(v.days() * 86400.0);
+}
+}  // namespace
+
+TimeValue graceAdjustedCheckIn(TimeValue checkIn, TimeValue scheduledStart, int graceMinutes) {
+    const qint64 in = seconds(checkIn);
+    const qint64 from = seconds(scheduledStart);
+    const qint64 until = seconds(scheduledStart.addMinutes(graceMinutes));
+    return in >= from && in <= until ? scheduledStart : checkIn;
+}
+
+qint64 fnTotalDays(QDate start, QDate end) {
+    return dateDiffDays(start, end) + 1;
+}
+
+QDate movePayMonthStartIntoYear(QDate payRollDay, QDate processDate) {
+    const int years = dateDiffYears(payRollDay, processDate);
+    return years > 0 ? payRollDay.addYears(years) : payRollDay;
+}
+
+QDate proposedPeriodEnd(QDate start) {
+    return TimeValue::fromDate(start).addMonths(1).addDays(-1).date();
+}
+
+JoinedStart applyDateOfJoin(QDate start, std::optional<QDate> dateOfJoin) {
+    JoinedStart out{false, start};
+    if (!dateOfJoin || !dateOfJoin->isValid()) return out;
+    const QString joined = TimeValue::fromDate(*dateOfJoin).format(u"yyyy/mm/dd");
+    const QString proposed = TimeValue::fromDate(start).format(u"yyyy/mm/dd");
+    if (joined >= proposed) {
+        if (joined >= QLatin1String(kMissingDateOfJoin))
+            out.invalidDateOfJoin = true;
+        else
+            out.start = *dateOfJoin;
+    }
+    return out;
+}
+
+QString composeAttendanceNo(const QString& prefix, const QString& highestSuffix) {
+    const qint64 next = static_cast<qint64>(val(highestSuffix)) + 1;
+    return prefix + QString::number(next);
+}
+
+}  // namespace qz2::entry

@@ -1,0 +1,85 @@
+#pragma once
+// The entry form's rules as plain functions over plain values: weekday numbers, a day's
+// scheduled pairs and hours, the grace-time rule, the proposed period and the attendance
+// number. The form moves values between its widgets, the database and these functions;
+// it computes nothing itself, so everything here is tested without a widget.
+
+#include <QDate>
+#include <QString>
+#include <QVector>
+#include <array>
+#include <optional>
+
+#include "shared/TimeValue.h"
+
+namespace qz2::db {
+class Recordset;
+}
+
+namespace qz2::entry {
+
+// Work-time day number of an English short day name ("Sun" 1 .. "Sat" 7) after trimming;
+// 0 for any other text, so that a name from another language finds no schedule.
+qint16 fnDayIDFromName(const QString& shortName);
+// Work-time day number of a date: Sunday 1 .. Saturday 7, whatever the user's locale;
+// 0 for an invalid date.
+qint16 fnGetDayID(QDate date);
+
+// One line of the work-time settings: up to four scheduled pairs, either end possibly absent.
+struct ScheduleLine {
+    std::array<std::optional<TimeValue>, 4> checkIn;
+    std::array<std::optional<TimeValue>, 4> checkOut;
+};
+
+// The current row of a schedule recordset, the pair fields read by name
+// ("cwtsCheckIn1" .. "cwtsCheckOut4").
+ScheduleLine scheduleLineFrom(const db::Recordset& rs);
+
+struct ScheduledPair {
+    TimeValue checkIn;
+    TimeValue checkOut;
+};
+
+// The pairs whose two ends are both present, in pair order: a pair with one end missing
+// is skipped and takes no number.
+QVector<ScheduledPair> completePairs(const ScheduleLine& line);
+
+// Sum of check-out minus check-in over the complete pairs (no check that check-out is the
+// later one); zero for a day without any.
+TimeValue scheduledHours(const ScheduleLine& line);
+
+// The check-in that counts for the hours: a check-in from the scheduled start up to the
+// start plus the grace minutes (both ends inclusive) counts as the scheduled start; any
+// other check-in, an early one included, counts as recorded. Compared to the second, so
+// that minute arithmetic on fractions of a day cannot tip a boundary case either way.
+TimeValue graceAdjustedCheckIn(TimeValue checkIn, TimeValue scheduledStart, int graceMinutes);
+
+// Days of a period counting both ends: a period from a day to the same day is 1.
+qint64 fnTotalDays(QDate start, QDate end);
+
+// A pay-month start moved forward by the whole years from it to the business date, so
+// that it falls in the business date's year; a later start is left where it is.
+QDate movePayMonthStartIntoYear(QDate payRollDay, QDate processDate);
+
+// The proposed last day: the start plus one month minus one day.
+QDate proposedPeriodEnd(QDate start);
+
+// The suite's value for a missing date of join, compared as "yyyy/mm/dd" text.
+inline constexpr const char* kMissingDateOfJoin = "9999/11/01";
+
+// Where the date of join leaves the proposed start.
+struct JoinedStart {
+    bool invalidDateOfJoin = false;  // the date of join is the suite's "missing" value
+    QDate start;                     // the start to show when valid
+};
+// The dates are compared as "yyyy/mm/dd" texts: a date of join that is not earlier than
+// the start becomes the start; one not earlier than "9999/11/01" is invalid. Without a
+// date of join the start stays.
+JoinedStart applyDateOfJoin(QDate start, std::optional<QDate> dateOfJoin);
+
+// The attendance number: the prefix followed by the highest suffix plus one, with no
+// padding ("ATT" and 41 give "ATT42"). The highest suffix is read leniently (a NULL or
+// unreadable value counts as 0).
+QString composeAttendanceNo(const QString& prefix, const QString& highestSuffix);
+
+}  // namespace qz2::entry

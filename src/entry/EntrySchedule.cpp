@@ -1,0 +1,83 @@
+// The work-time schedule of the entry form: a date's weekday line under the entry's own
+// setting, the Schedule Hours from the newest setting, the first scheduled check-in for
+// the grace rule, and the seven weekdays' working hours. Every statement goes through the
+// form's cache: a period asks each weekday many times and the answer cannot change while
+// the same employee is chosen.
+
+#include <exception>
+
+#include "entry/EntrySql.h"
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+
+namespace qz2 {
+
+std::optional<entry::ScheduleLine> frmEmployeeDailyAttendance::fnDaySchedule(QDate date) {
+    try {
+        const db::Recordset rs = m_cache.open(
+            gadocon, entry::sql::dayScheduleQuery(fnGetDayID(date), gintCompanyID,
+                                                  lngWorkTimeSettingID, strWorkTimeCondition));
+        if (rs.eof()) return std::nullopt;
+        return entry::scheduleLineFrom(rs);
+    } catch (const std::exception&) {
+        return std::nullopt;
+    }
+}
+
+void frmEmployeeDailyAttendance::fnCalculateScheduleHours(QDate date, qint16 row) {
+    try {
+        const db::Recordset rs = m_cache.open(
+            gadocon, entry::sql::newestDayScheduleQuery(dialect(), fnGetDayID(date), gintCompanyID,
+                                                        strWorkTimeCondition));
+        TimeValue total;
+        if (!rs.eof()) total = entry::scheduledHours(entry::scheduleLineFrom(rs));
+        mfgAttendance->setTextMatrix(row, colSchedule, total.format(u"hh:mm"));
+    } catch (const std::exception&) {
+        // Trapped: the row keeps what it showed.
+    }
+}
+
+TimeValue frmEmployeeDailyAttendance::fnCheckGraceTime(QDate date) {
+    try {
+        const db::Recordset rs = m_cache.open(
+            gadocon, entry::sql::firstCheckInQuery(fnGetDayID(date), gintCompanyID,
+                                                   lngWorkTimeSettingID, strWorkTimeCondition));
+        if (rs.eof()) return TimeValue();
+        // A NULL first check-in counts as midnight, as does a weekday without a line.
+        if (const auto start = timeValueFromDb(rs.field(QStringLiteral("cwtsCheckIn1"))))
+            return TimeValue::fromTime(start->timeOfDay());
+    } catch (const std::exception&) {
+    }
+    return TimeValue();
+}
+
+void frmEmployeeDailyAttendance::fnLoadWeekdayWorkingHours() {
+    for (int day = 1; day <= 7; ++day) {
+        try {
+            const db::Recordset rs = m_cache.open(
+                gadocon, entry::sql::workingHoursStatement(dialect(), gintCompanyID, day));
+            // A weekday the settings leave out has no row: it has no working hours.
+            weekdayWorkingHours[day] = TimeValue();
+            if (!rs.eof()) {
+                if (const auto hours = timeValueFromDb(rs.field(0)))
+                    weekdayWorkingHours[day] = TimeValue::fromTime(hours->timeOfDay());
+            }
+        } catch (const std::exception&) {
+            return;  // trapped: the weekdays not yet read keep their values
+        }
+    }
+}
+
+void frmEmployeeDailyAttendance::fnAddScheduleHours() {
+    for (int row = 1; row < mfgAttendance->Rows(); ++row) {
+        const std::optional<TimeValue> day =
+            parseTimeValue(mfgAttendance->TextMatrix(row, colDate));
+        if (!day) continue;
+        const qint16 id = fnGetDayID(day->date());
+        if (id < 1 || id > 7) continue;
+        mfgAttendance->setTextMatrix(row, colSchedule, weekdayWorkingHours[id].toDefaultText());
+    }
+}
+
+}  // namespace qz2

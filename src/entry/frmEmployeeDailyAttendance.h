@@ -1,0 +1,200 @@
+#pragma once
+// The attendance entry form: one employee's attendance over a period of days. The class
+// spans several files, one per concern:
+//   EntryForm.cpp       controls, layout, start-up, keyboard, Cancel, grid set-up
+//   EntryPeriod.cpp     choosing the employee, department, proposed period, settings checks
+//   EntrySchedule.cpp   weekday numbers, scheduled pairs and hours, grace start, working hours
+//   EntryNumbering.cpp  the attendance number
+// The rules live in EntryRules.h and the statements in EntrySql.h; this class only moves
+// values between the widgets, those functions and the database.
+
+#include <QDate>
+#include <QDialog>
+#include <QList>
+#include <array>
+#include <memory>
+#include <optional>
+
+#include "db/Dialect.h"
+#include "entry/EntryRules.h"
+#include "entry/StatementCache.h"
+#include "shared/BasAttendence.h"
+#include "shared/TimeValue.h"
+
+class QAction;
+class QCheckBox;
+class QComboBox;
+class QDateEdit;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QListWidget;
+class QListWidgetItem;
+class QMenu;
+class QPushButton;
+class QTimeEdit;
+
+namespace qz2 {
+
+class FlexGrid;
+namespace commonmodule {
+class clsCommonDB;
+class clsCommonGen;
+}  // namespace commonmodule
+
+class frmEmployeeDailyAttendance : public QDialog {
+    Q_OBJECT
+public:
+    explicit frmEmployeeDailyAttendance(QWidget* parent = nullptr);
+    ~frmEmployeeDailyAttendance() override;
+
+    // Day grid columns.
+    enum DayCol {
+        colMarker = 0,
+        colDate = 1,
+        colType = 2,
+        colWorked = 3,
+        colSchedule = 4,
+        colHours = 5,
+        colAllowanceType = 6
+    };
+    // Check-in/check-out grid and mirror grid columns.
+    enum PairCol { colPairDate = 0, colSlNo = 1, colCheckIn = 2, colCheckOut = 3 };
+
+    // ---- Start-up, keyboard, Cancel -------------------------------------------------
+    // Fills the employee box, reads the grace time and the leave/holiday switch, and in
+    // New mode proposes the first employee's period. Database errors end it quietly with
+    // whatever was filled. Runs by itself when the form is first shown.
+    void Form_Load();
+    bool isLoaded() const { return m_loaded; }
+    void cmdCancel_Click();
+    // Shows the employee picker; choosing there selects the employee in cboEmpname.
+    void cmdEmployee_Click();
+    // Headings and widths of the day grid, left with its heading row only.
+    void fnSetUpAttendanceGrid();
+    // Headings of the check-in/check-out grid, left with its heading row only.
+    void fnSetUpCheckGrid();
+    // The same four headings on the hidden mirror grid, left with its heading row only.
+    void fnSetUpMirrorGrid();
+    // The three grids back to their heading rows, nothing current, the time picker hidden.
+    void fnClearGrids();
+    // txtTotalDays: the days from txtStartDate to dtpEndDate counting both ends.
+    void fnShowTotalDays();
+
+    // ---- Employee and period --------------------------------------------------------
+    // The employee box's selection changed (by the clerk, the picker or code).
+    void cboEmpname_Click();
+    // Department, date of join and the department-wise conditions of the selected
+    // employee; false (after telling the clerk) when the employee has no department.
+    bool GetDeptID();
+    // New mode: the proposed start and end shown, the calendars checked and the working
+    // days listed. False when no period could be shown.
+    bool fnProposePeriod();
+    // The company calendar of the start's year and of the end's year; false (after
+    // telling the clerk and disabling Populate and OK) when either is missing.
+    bool FnCheckCalendarSettingsNotEntered();
+    // Whether a monthly (payroll) entry of the employee that is not cancelled starts or
+    // ends inside the period. Database errors propagate to the caller (the save).
+    bool fnIsMonthlyEntryOverlapping(qint32 employee, QDate start, QDate end) const;
+    // The newest work-time setting of the company (and department) becomes the entry's;
+    // false (after telling the clerk, the entry's setting then 0) when there is none.
+    bool fnCheckWorkTimeSettings();
+    // lstAbsentDays: every day of the period that is not a holiday, as "yyyy/mm/dd",
+    // none of them picked.
+    void fnPopoulateList(QDate start, QDate end);
+    // The days the clerk picked in lstAbsentDays (ticked, which is also selected).
+    QList<QDate> fnPickedAbsentDays() const;
+    static bool isAbsentDayPicked(const QListWidgetItem* item);
+
+    // ---- Work-time schedule ---------------------------------------------------------
+    static qint16 fnGetDayID(QDate date) { return entry::fnGetDayID(date); }
+    // The date's weekday line under the entry's own work-time setting; nullopt when the
+    // weekday has no line (or the statement fails).
+    std::optional<entry::ScheduleLine> fnDaySchedule(QDate date);
+    // Schedule Hours of a day-grid row ("hh:mm"), from the newest work-time setting.
+    void fnCalculateScheduleHours(QDate date, qint16 row);
+    // The first scheduled check-in of the date's weekday under the entry's setting;
+    // midnight when there is none.
+    TimeValue fnCheckGraceTime(QDate date);
+    // The seven weekdays' working hours from the database's working-hours procedure.
+    void fnLoadWeekdayWorkingHours();
+    // Schedule Hours of every day-grid row from the kept weekday working hours.
+    void fnAddScheduleHours();
+    // The per-form statement cache (cleared whenever another employee is chosen).
+    entry::StatementCache& statementCache() { return m_cache; }
+
+    // ---- Numbering ------------------------------------------------------------------
+    // The next attendance number. Database errors propagate to the caller (the save).
+    QString fnGenerateAttendanceNo() const;
+
+    // ---- Form state -----------------------------------------------------------------
+    qint32 lngEmployeeID = 0;    // the selected employee
+    qint32 lngDepartmentID = 0;  // the employee's department
+    QString strDepartmentName;
+    std::optional<QDate> dtDateOfJoin;  // the employee's date of join, when known
+    QDate dtPeriodStart;                // the proposed period
+    QDate dtPeriodEnd;
+    QString strCalendarCondition;     // "" or " and departmentid=<dept>"
+    QString strWorkTimeCondition;     // "" or " and cwtsdepartmentid=<dept>"
+    qint32 lngWorkTimeSettingID = 0;  // the entry's work-time setting (cwtsid)
+    qint32 lngAttendanceID = 0;       // the entry being edited (mode "E")
+    qint16 intGraceTime = 0;          // grace minutes
+    bool blnConsiderLeaveHolidays = false;
+    std::array<TimeValue, 8> weekdayWorkingHours{};  // by day number 1..7
+    // The dialect of the shared connection.
+    static db::Dialect dialect() { return db::Dialect::of(gadocon); }
+    commonmodule::clsCommonDB* commonDB() const { return m_db.get(); }
+    commonmodule::clsCommonGen* commonGen() const { return m_gen.get(); }
+
+    // ---- Controls -------------------------------------------------------------------
+    QGroupBox* fraEmployeeAttendance;
+    QGroupBox* fraGridContainer;
+    QLabel* lblEmpname;
+    QComboBox* cboEmpname;
+    QPushButton* cmdEmployee;
+    QLineEdit* txtAttNo;
+    QLineEdit* txtAttdate;
+    QLineEdit* txtStartDate;
+    QDateEdit* dtpEndDate;
+    QLineEdit* txtEndDate;
+    QLineEdit* txtTotalDays;
+    QLineEdit* txtNoPresent;
+    QLineEdit* txtNoLeave;
+    QLineEdit* txtNoAbsent;
+    QListWidget* lstAbsentDays;
+    QPushButton* cmdPopulateRecords;
+    FlexGrid* mfgAttendance;
+    FlexGrid* mfgCheckinCheckOut;
+    FlexGrid* mfgMirrorGrid;
+    QTimeEdit* dtpCheckTime;
+    QCheckBox* chkAllowanceDeductions;
+    QLineEdit* txtAllowanceDeductions;
+    QLineEdit* txtRemarks;
+    QMenu* mnuPopUp;
+    QAction* mnuDelete;
+    QAction* mnuHalfDay;
+    QPushButton* cmdOK;
+    QPushButton* cmdCancel;
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+
+private:
+    void buildControls();
+    void buildLayout();
+    void connectEvents();
+    void applyTabOrder();
+    bool isNewMode() const;
+    void syncAbsentDayCheck(QListWidgetItem* item);
+    void syncAbsentDaySelection();
+
+    std::unique_ptr<commonmodule::clsCommonGen> m_gen;
+    std::unique_ptr<commonmodule::clsCommonDB> m_db;
+    entry::StatementCache m_cache;
+    bool m_loaded = false;
+    bool m_inEmployeeClick = false;
+    bool m_syncingAbsentDays = false;
+};
+
+}  // namespace qz2
