@@ -58,12 +58,22 @@ QVariant Recordset::field(int i) const {
 
 QVariant Recordset::field(const QString& name) const { return field(indexOf(name)); }
 
-Recordset openRecordset(const QSqlDatabase& db, const QString& sql) {
+Recordset openRecordset(const QSqlDatabase& db, const QString& sql) { return openRecordset(db, sql, {}); }
+
+Recordset openRecordset(const QSqlDatabase& db, const QString& sql, const QVector<QVariant>& values) {
     requireOpen(db, sql);
     beforeStatement(sql);
     QSqlQuery q(db);
     q.setForwardOnly(true);
-    if (!q.exec(sql)) throw DbError(errorText(q.lastError()), sql, q.lastError().nativeErrorCode());
+    bool ok = false;
+    if (values.isEmpty()) {
+        ok = q.exec(sql);
+    } else {
+        ok = q.prepare(sql);
+        for (int i = 0; ok && i < values.size(); ++i) q.bindValue(i, values[i]);
+        ok = ok && q.exec();
+    }
+    if (!ok) throw DbError(errorText(q.lastError()), sql, q.lastError().nativeErrorCode());
     Recordset rs;
     const QSqlRecord rec = q.record();
     const int n = rec.count();

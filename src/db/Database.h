@@ -50,7 +50,7 @@ public:
     const QVector<QVariant>& row(int r) const { return m_rows[r]; }
 
 private:
-    friend Recordset openRecordset(const QSqlDatabase&, const QString&);
+    friend Recordset openRecordset(const QSqlDatabase&, const QString&, const QVector<QVariant>&);
     QStringList m_names;
     QVector<QVector<QVariant>> m_rows;
     qsizetype m_pos = 0;
@@ -58,6 +58,8 @@ private:
 
 // Runs a query and reads all its rows. Throws DbError.
 Recordset openRecordset(const QSqlDatabase& db, const QString& sql);
+// The same with positional "?" values (a stored-procedure call, for one).
+Recordset openRecordset(const QSqlDatabase& db, const QString& sql, const QVector<QVariant>& values);
 // Runs a statement that returns no rows; returns the rows affected. Throws DbError.
 int execute(const QSqlDatabase& db, const QString& sql);
 // First field of the first row, or a null QVariant when there is no row.

@@ -270,6 +270,10 @@ void frmEmployeeDailyAttendance::connectEvents() {
              cboEmpname, chkAllowanceDeductions, txtAttdate, txtAttNo, txtNoAbsent, txtNoLeave,
              txtNoPresent, txtStartDate, txtTotalDays, lstAbsentDays, txtRemarks})
         w->installEventFilter(this);
+    connectPopulateEvents();
+    connectPairEvents();
+    connectDayEvents();
+    connectSaveEvents();
 }
 
 void frmEmployeeDailyAttendance::applyTabOrder() {
@@ -296,6 +300,7 @@ void frmEmployeeDailyAttendance::applyTabOrder() {
 }
 
 bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
+    if (pairsEventFilter(watched, event) || dayEventFilter(watched, event)) return true;
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {

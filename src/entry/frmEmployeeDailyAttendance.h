@@ -127,6 +127,61 @@ public:
     // The next attendance number. Database errors propagate to the caller (the save).
     QString fnGenerateAttendanceNo() const;
 
+    // ---- Population (EntryPopulate.cpp) ---------------------------------------------
+    // Populate: New mode lays out the whole period; Edit mode re-applies absent days and
+    // holidays and recounts.
+    void cmdPopulateRecords_Click();
+    void fnBuildDayRows(QDate start, QDate end);
+    void fnLayOutScheduledPairs(QDate start, QDate end);
+    void fnRemoveMirrorRowsOfDate(QDate date);
+    void fnZeroHolidaySchedule();
+    void fnMarkHolidays(QDate start, QDate end);
+    void fnMarkApprovedLeaves(qint32 employee, QDate start, QDate end);
+    void fnMarkAbsentDays();
+    void fnMarkRemainingPresent();
+
+    // ---- Hours and counts (EntryHours.cpp) -------------------------------------------
+    // Worked Hours of every day from the mirror grid.
+    void fnCalculateTotalHours();
+    // Kind and amount of the current day's difference, from the pairs grid.
+    void fnCalculateTotalHoursfortheDay();
+    // Hours of every day: Schedule Hours minus Worked Hours.
+    void fnFindtheAdditionalWorkingHours();
+    // Present (holidays included), leave and absent totals into their boxes.
+    void fnCountDayTypes();
+    // The current day's scheduled hours, kept when a day is selected.
+    TimeValue dtCurrentDaySchedule;
+
+    // ---- Check-in/check-out editing (EntryPairs.cpp) ---------------------------------
+    void mfgCheckinCheckOut_EnterCell();
+    // Commits the picker's time into the cell being left (row, col) and follows it through.
+    void mfgCheckinCheckOut_LeaveCell(int row, int col);
+    void mfgCheckinCheckOut_KeyDown(int keyCode, int shift);
+    void dtpCheckTime_KeyDown(int keyCode, int shift);
+    void mfgCheckinCheckOut_MouseDown(int button, int shift, int x, int y);
+    void mnuDelete_Click();
+    void fnRenumberGrid(FlexGrid* grid);
+    void fnRenumbertheGridForEachDate();
+    void fnRemoveRowsFromMirrorGridOnEdit(QDate date);
+    void fnClearGridSelection(FlexGrid* grid);
+
+    // ---- Day selection, half days, allowances (EntryDay.cpp) -------------------------
+    void mfgAttendance_Click();
+    void mfgAttendance_MouseDown(int button, int shift, int x, int y);
+    void mnuHalfDay_Click();
+    void chkAllowanceDeductions_Click();
+    void txtAllowanceDeductions_Change();
+    void fnSetDayAllowanceDeduction(const QString& amount, const QString& kind, QDate date);
+    void fnClearEntryForm();
+
+    // ---- Saving (EntrySave.cpp) and loading a stored entry (EntryEditLoad.cpp) --------
+    void cmdOK_Click();
+    // Loads stored entry `id` of the company into the form (mode "E"); false when it could
+    // not be read. A cancelled entry, or one a monthly entry covers, opens for viewing only.
+    bool fnLoadEntry(const QString& id, bool cancelled);
+    // Whether the last cmdOK_Click saved (the form then unloads).
+    bool saved() const { return m_saved; }
+
     // ---- Form state -----------------------------------------------------------------
     qint32 lngEmployeeID = 0;    // the selected employee
     qint32 lngDepartmentID = 0;  // the employee's department
@@ -181,6 +236,19 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    // Each concern wires its own widgets' events; connectEvents() calls them all.
+    void connectPopulateEvents();
+    void connectPairEvents();
+    void connectDayEvents();
+    void connectSaveEvents();
+    // Key and mouse events of the pairs grid, the time picker and the day grid; true when
+    // handled (the form's own filter then stops).
+    bool pairsEventFilter(QObject* watched, QEvent* event);
+    bool dayEventFilter(QObject* watched, QEvent* event);
+    bool m_saved = false;
+    bool m_inLeaveCell = false;
+    bool m_inDayClick = false;
+
     void buildControls();
     void buildLayout();
     void connectEvents();

@@ -1,0 +1,7 @@
+#include "entry/frmEmployeeDailyAttendance.h"
+
+namespace qz2 {
+
+void frmEmployeeDailyAttendance::connectSaveEvents() {}
+
+}  // namespace qz2
