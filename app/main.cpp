@@ -53,8 +53,12 @@ int main(int argc, char** argv) {
         return kExitDisplay;
     }
     bool screenshotOnly = false;
-    for (int i = 1; i < argc; ++i)
-        if (QByteArray(argv[i]).startsWith("--screenshot")) screenshotOnly = true;
+    for (int i = 1; i < argc; ++i) {
+        const QByteArray a(argv[i]);
+        // Help, version and pictures need no screen.
+        if (a.startsWith("--screenshot") || a == "--help" || a == "-h" || a == "--version" || a == "-v")
+            screenshotOnly = true;
+    }
     if (screenshotOnly && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
 

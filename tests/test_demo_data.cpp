@@ -979,16 +979,12 @@ TEST(DemoBenchmark, RejectsUnusableScale) {
     EXPECT_EQ(m.count("select count(*) from pEmployee"), 0);
 }
 
-// The full default volumes, inserted well within a minute (a few seconds in practice).
-TEST(DemoBenchmark, FullVolumesInUnderAMinute) {
+// The full default volumes the benchmarks use come out exactly (timing is the
+// benchmarks' business, not a test's).
+TEST(DemoBenchmark, FullDefaultVolumes) {
     MemoryDb m;
     qz2::demo::createSchema(m.db());
-    QElapsedTimer timer;
-    timer.start();
     qz2::demo::generateBenchmark(m.db(), kProcessDate, BenchScale{});
-    const qint64 ms = timer.elapsed();
-    RecordProperty("milliseconds", static_cast<int>(ms));
-    EXPECT_LT(ms, 60000);
     EXPECT_EQ(m.count("select count(*) from pEmployeeAttendence"), 100000);
     EXPECT_EQ(m.count("select count(*) from pEmpAttendanceDetail"), 1000000);
     EXPECT_EQ(m.count("select count(*) from pMonthlyPayrollProcessing"), 60000);

@@ -341,18 +341,19 @@ TEST_F(RegisterCancel, PastedQuotesAreStoredAsGiven) {
 }
 
 TEST_F(RegisterCancel, EnterInTheReasonMovesToOk) {
-    QWidget* focusAfterEnter = nullptr;
+    QString focusAfterEnter;
     bool openAfterEnter = false;
     cancelFive([&](qz2::frmCancel* dlg) {
+        QApplication::setActiveWindow(dlg);  // the clerk is typing into this dialog
+        dlg->txtcanreason->setFocus();
         QTest::keyClicks(dlg->txtcanreason, QStringLiteral("Late"));
         QTest::keyClick(dlg->txtcanreason, Qt::Key_Return);
-        focusAfterEnter = dlg->focusWidget();
+        if (QWidget* w = dlg->focusWidget()) focusAfterEnter = w->objectName();
         openAfterEnter = dlg->isVisible();
         QTest::mouseClick(dlg->cmdOK, Qt::LeftButton);
     });
     EXPECT_TRUE(openAfterEnter);
-    ASSERT_NE(focusAfterEnter, nullptr);
-    EXPECT_EQ(focusAfterEnter->objectName(), QStringLiteral("cmdOK"));
+    EXPECT_EQ(focusAfterEnter, QStringLiteral("cmdOK"));
     EXPECT_EQ(header(1, 5), (QVariantList{1, QStringLiteral("Mira Shah:Late")}));
 }
 

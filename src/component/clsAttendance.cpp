@@ -28,12 +28,12 @@ void clsAttendance::Show() {
     qz2::gstrMsgboxTitle = m_title;
     qz2::gadocon = adocon();
     qz2::gdtProcessDate = m_processDate;
-    qz2::FrmMaster* form = qz2::FrmMaster::instance();
-    std::unique_ptr<qz2::FrmMaster> owned;
-    if (!form) {
-        owned = std::make_unique<qz2::FrmMaster>();
-        form = owned.get();
+    if (qz2::FrmMaster* open = qz2::FrmMaster::instance(); open && open->isVisible()) {
+        open->raise();  // the register is already running: one at a time
+        return;
     }
+    // Closing the register unloads it, so every Show() loads a fresh one.
+    auto form = std::make_unique<qz2::FrmMaster>();
     form->Form_Load();
     form->exec();
 }

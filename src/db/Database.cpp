@@ -108,11 +108,12 @@ struct Command::Impl {
     bool prepared = false;
 };
 
-Command::Command(const QSqlDatabase& db, const QString& sql) : m_impl(new Impl{QSqlQuery(db)}), m_sql(sql) {
+Command::Command(const QSqlDatabase& db, const QString& sql) : m_sql(sql) {
     requireOpen(db, sql);
+    m_impl = std::make_unique<Impl>(Impl{QSqlQuery(db)});
 }
 
-Command::~Command() { delete m_impl; }
+Command::~Command() = default;
 
 void Command::execute(const QVector<QVariant>& values) {
     beforeStatement(m_sql);

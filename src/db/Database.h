@@ -11,6 +11,7 @@
 #include <QVariant>
 #include <QVector>
 #include <functional>
+#include <memory>
 #include <stdexcept>
 
 namespace qz2::db {
@@ -79,7 +80,7 @@ public:
 
 private:
     struct Impl;
-    Impl* m_impl;
+    std::unique_ptr<Impl> m_impl;
     QString m_sql;
 };
 

@@ -115,7 +115,8 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     CmdDelete->setToolTip(tr("Cancel the selected entry with a reason"));
     CmdClose = new QPushButton(tr("&Close"), this);
     CmdClose->setObjectName(QStringLiteral("CmdClose"));
-    for (QPushButton* b : {cmdnew, CmdEdit, CmdDelete, CmdClose}) b->setAutoDefault(false);
+    // Enter on a focused button presses it; elsewhere the form swallows Enter (keyPressEvent).
+    for (QPushButton* b : {cmdnew, CmdEdit, CmdDelete, CmdClose}) b->setAutoDefault(true);
     lblStatus = new QLabel(this);
     lblStatus->setObjectName(QStringLiteral("lblStatus"));
     lblStatus->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -170,9 +171,11 @@ void FrmMaster::Form_Load() {
         fnLoadLinkTableNames();
         m_db->adocon = gadocon;
         m_db->strTableName = LinkedTableNames.pSettings;
-        const qint16 days = static_cast<qint16>(
-            m_db->fnReturnField(QStringLiteral("noofPreviousdays"), QStringLiteral("companyId=") + QString::number(gintCompanyID))
-                .toInt());
+        const QVariant setting =
+            m_db->fnReturnField(QStringLiteral("noofPreviousdays"), QStringLiteral("companyId=") + QString::number(gintCompanyID));
+        if (setting.isNull())
+            throw db::DbError(QStringLiteral("The company has no \"noofPreviousdays\" setting"), LinkedTableNames.pSettings);
+        const qint16 days = static_cast<qint16>(setting.toInt());
         strFromClause = sql::masterFromClause();
         gstrMasterQuery = sql::masterQuery(db::Dialect::of(gadocon), gintCompanyID, days, gdtProcessDate);
         GridPopulate(gstrMasterQuery);
@@ -274,8 +277,12 @@ void FrmMaster::flexmaster_Click() {
         // rights decide the buttons once, when the register opens.
         if (flexMaster->TextMatrix(row, kCancelledCol) == QLatin1String("Yes")) CmdDelete->setEnabled(false);
     } catch (const std::exception& e) {
-        fnWriteErrorLog(QStringLiteral("FrmMaster"), gintUserID, QStringLiteral("flexmaster_Click "), gstrEntryMode, 1,
-                        QStringLiteral("FrmMaster"), QString::fromStdString(e.what()), true);
+        try {
+            fnWriteErrorLog(QStringLiteral("FrmMaster"), gintUserID, QStringLiteral("flexmaster_Click "), gstrEntryMode,
+                            1, QStringLiteral("FrmMaster"), QString::fromStdString(e.what()), true);
+        } catch (...) {
+            // The log itself could not be written (no user table, connection gone).
+        }
     }
 }
 

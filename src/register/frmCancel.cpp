@@ -27,7 +27,7 @@ frmCancel::frmCancel(QWidget* parent) : QDialog(parent) {
     label->setBuddy(txtcanreason);
     cmdOK = new QPushButton(tr("&OK"), this);
     cmdOK->setObjectName(QStringLiteral("cmdOK"));
-    cmdOK->setAutoDefault(false);
+    cmdOK->setAutoDefault(true);  // Enter on the focused OK confirms
     auto* row = new QHBoxLayout;
     row->addStretch();
     row->addWidget(cmdOK);
@@ -67,7 +67,7 @@ void frmCancel::cmdOK_Click() {
         FlexGrid* grid = registerGrid();
         const QString id = grid ? grid->TextMatrix(grid->Row(), 0) : QString();
         db::Recordset emp = db::openRecordset(gadocon, sql::cancelEmployeeQuery(id, gintCompanyID));
-        if (!emp.eof()) (void)emp.field(QStringLiteral("eaEmpID"));
+        (void)emp.field(QStringLiteral("eaEmpID"));  // no such entry: raises, nothing is written
         db::execute(gadocon, sql::cancelUpdate(remarks, id, gintCompanyID));
         m_done = true;
         accept();

@@ -16,6 +16,7 @@ MsgResult g_autoYesNo = MsgResult::Yes;
 }  // namespace
 
 MsgResult MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon) {
+    if (g_shown.size() >= 500) g_shown.remove(0, 250);  // a record for tests, not a history
     g_shown.push_back({text, gstrMsgboxTitle, buttons, icon});
     if (!g_answers.isEmpty()) return g_answers.dequeue();
     if (g_autoAnswer) return buttons == MsgButtons::YesNo ? g_autoYesNo : MsgResult::Ok;

@@ -4,9 +4,12 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 #include <QFileInfo>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPointer>
 #include <QRadioButton>
 #include <QTextStream>
@@ -45,7 +48,9 @@ void fnStoreControlValues(QWidget* form) {
         else if (auto* c = qobject_cast<QComboBox*>(w))
             c->setProperty("Tag", c->currentText());
         else if (auto* k = qobject_cast<QCheckBox*>(w))
-            k->setProperty("Tag", static_cast<int>(k->checkState()));
+            k->setProperty("Tag", k->checkState() == Qt::Checked ? 1 : k->checkState() == Qt::PartiallyChecked ? 2 : 0);
+        else if (auto* p = qobject_cast<QPlainTextEdit*>(w))
+            p->setProperty("Tag", p->toPlainText());
         else if (auto* o = qobject_cast<QRadioButton*>(w))
             o->setProperty("Tag", o->isChecked());
     }
@@ -116,7 +121,15 @@ void fnWriteErrorLog(const QString& formName, qint16 userId, const QString& proc
     QFile file(path);
     if (file.exists())
         file.setPermissions(file.permissions() | QFileDevice::WriteOwner | QFileDevice::ReadOwner);
-    if (file.open(QIODevice::Append | QIODevice::Text)) {
+    bool open = file.open(QIODevice::Append | QIODevice::Text);
+    if (!open && g_logFolder.isEmpty()) {
+        // An installed library's folder is usually read-only: keep the log with the user's data.
+        const QString folder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+        QDir().mkpath(folder);
+        file.setFileName(folder + QLatin1Char('/') + moduleName() + QStringLiteral("Error.log"));
+        open = file.open(QIODevice::Append | QIODevice::Text);
+    }
+    if (open) {
         const QDateTime now = g_now();
         const QString stamp = TimeValue::fromDateTime(now).format(u"dd/mm/yyyy") + QLatin1Char(' ') +
                               now.time().toString(QStringLiteral("HH:mm:ss"));
