@@ -287,12 +287,13 @@ void frmEmployeeDailyAttendance::applyTabOrder() {
                                    lstAbsentDays,
                                    cmdPopulateRecords,
                                    mfgAttendance,
-                                   txtNoPresent,
-                                   txtNoLeave,
-                                   txtNoAbsent,
+                                   // From a day straight to its times; the counts follow.
                                    mfgCheckinCheckOut,
                                    chkAllowanceDeductions,
                                    txtAllowanceDeductions,
+                                   txtNoPresent,
+                                   txtNoLeave,
+                                   txtNoAbsent,
                                    txtRemarks,
                                    cmdOK,
                                    cmdCancel};
