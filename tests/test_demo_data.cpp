@@ -700,7 +700,7 @@ static QString approvedLeaves(int employee, const char* from, const char* to) {
                "ls ,pleaves lm "
                "Where nd.lrdCompanyID = ls.lchcompanyid And nd.lrdid = ls.lcdlrdid and "
                "nd.lrdleaveid = "
-               "ls.lcdlrdleaveid  and ls.status ='s' and nd.lrdCompanyID = lm.lCompanyID And "
+               "ls.lcdlrdleaveid  and ls.status collate nocase ='s' and nd.lrdCompanyID = lm.lCompanyID And "
                "nd.lrdLeaveID = "
                "lm.lLeaveID and nd.lrhempid=%3 and nd.lrdToDate>='%1' and nd.lrdFromDate<='%2'")
         .arg(s, e)
@@ -719,7 +719,7 @@ TEST_F(DemoDatabase, LeavesApprovedRefusedAndWithdrawn) {
 
     // Employee 1: three days in September, stored as leave days.
     EXPECT_EQ(m.rows(approvedLeaves(1, "2026-09-01", "2026-09-30")),
-              (std::vector<QStringList>{{"2026-09-01", "2026-09-03", "s", "3"}}));
+              (std::vector<QStringList>{{"2026-09-01", "2026-09-03", "S", "3"}}));
     EXPECT_EQ(
         m.count("select count(*) from pEmpAttendanceDetail d join pEmployeeAttendence h on "
                 "h.eaCompanyID=d.eadCompanyID and h.eaID=d.eadAttendanceID where h.eaEmpID=1 and "
@@ -746,7 +746,7 @@ TEST_F(DemoDatabase, LeavesApprovedRefusedAndWithdrawn) {
     EXPECT_EQ(m.count("select count(*) from pleaveregisterheader where lrhempid=5"), 1);
     // Employee 7's leave crosses into November and is clipped to the period asked.
     EXPECT_EQ(m.rows(approvedLeaves(7, "2026-11-01", "2026-11-30")),
-              (std::vector<QStringList>{{"2026-11-01", "2026-11-02", "s", "4"}}));
+              (std::vector<QStringList>{{"2026-11-01", "2026-11-02", "S", "4"}}));
     // Employee 6's leave surrounds November's holiday, which stays a holiday.
     const auto around = m.rows(approvedLeaves(6, "2026-11-01", "2026-11-30"));
     ASSERT_EQ(around.size(), 1u);

@@ -26,6 +26,11 @@ ScheduleLine line(
     }
     return l;
 }
+
+// The hours of a line read from the settings, by the attendance rules.
+TimeValue scheduledHours(const ScheduleLine& l) {
+    return rules::scheduledHours(toDaySchedule(l));
+}
 }  // namespace
 
 TEST(EntryRulesDayId, TheSevenDayNumbersRunFromSundayToSaturday) {
@@ -110,22 +115,22 @@ TEST(EntryRulesSchedule, ACheckOutBeforeItsCheckInIsNotCheckedAndShowsAsItsAbsol
 
 TEST(EntryRulesGrace, BothEndsOfTheWindowCountAsTheScheduledStart) {
     const TimeValue start = hm(9, 0);
-    EXPECT_EQ(graceAdjustedCheckIn(hm(9, 0), start, 10), start);
-    EXPECT_EQ(graceAdjustedCheckIn(hm(9, 10), start, 10), start);
-    EXPECT_EQ(graceAdjustedCheckIn(hm(9, 5), start, 10), start);
+    EXPECT_EQ(rules::effectiveCheckIn(hm(9, 0), start, 10), start);
+    EXPECT_EQ(rules::effectiveCheckIn(hm(9, 10), start, 10), start);
+    EXPECT_EQ(rules::effectiveCheckIn(hm(9, 5), start, 10), start);
 }
 
 TEST(EntryRulesGrace, OneMinuteLateOrAnyEarlyArrivalCountsAsRecorded) {
     const TimeValue start = hm(9, 0);
-    EXPECT_EQ(graceAdjustedCheckIn(hm(9, 11), start, 10).format(u"HH:mm"), QStringLiteral("09:11"));
-    EXPECT_EQ(graceAdjustedCheckIn(hm(8, 55), start, 10).format(u"HH:mm"), QStringLiteral("08:55"));
-    EXPECT_EQ(graceAdjustedCheckIn(hm(8, 59), start, 10).format(u"HH:mm"), QStringLiteral("08:59"));
+    EXPECT_EQ(rules::effectiveCheckIn(hm(9, 11), start, 10).format(u"HH:mm"), QStringLiteral("09:11"));
+    EXPECT_EQ(rules::effectiveCheckIn(hm(8, 55), start, 10).format(u"HH:mm"), QStringLiteral("08:55"));
+    EXPECT_EQ(rules::effectiveCheckIn(hm(8, 59), start, 10).format(u"HH:mm"), QStringLiteral("08:59"));
 }
 
 TEST(EntryRulesGrace, ZeroGraceMovesOnlyTheExactStart) {
     const TimeValue start = hm(9, 0);
-    EXPECT_EQ(graceAdjustedCheckIn(hm(9, 0), start, 0), start);
-    EXPECT_EQ(graceAdjustedCheckIn(hm(9, 1), start, 0).format(u"HH:mm"), QStringLiteral("09:01"));
+    EXPECT_EQ(rules::effectiveCheckIn(hm(9, 0), start, 0), start);
+    EXPECT_EQ(rules::effectiveCheckIn(hm(9, 1), start, 0).format(u"HH:mm"), QStringLiteral("09:01"));
 }
 
 TEST(EntryRulesGrace, TimesParsedFromTextMatchTheWindowEdgesExactly) {
@@ -133,9 +138,9 @@ TEST(EntryRulesGrace, TimesParsedFromTextMatchTheWindowEdgesExactly) {
     const TimeValue start = *parseTime(u"08:45");
     for (int grace : {1, 7, 10, 15, 29, 59}) {
         const TimeValue edge = *parseTime(start.addMinutes(grace).format(u"HH:mm"));
-        EXPECT_EQ(graceAdjustedCheckIn(edge, start, grace), start) << grace;
+        EXPECT_EQ(rules::effectiveCheckIn(edge, start, grace), start) << grace;
         const TimeValue after = *parseTime(start.addMinutes(grace + 1).format(u"HH:mm"));
-        EXPECT_EQ(graceAdjustedCheckIn(after, start, grace), after) << grace;
+        EXPECT_EQ(rules::effectiveCheckIn(after, start, grace), after) << grace;
     }
 }
 

@@ -11,6 +11,8 @@
 #include "entry/EntryRules.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
+#include "rules/Hours.h"
+#include "rules/Population.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
@@ -138,7 +140,7 @@ TEST_F(ScheduleFixture, TheGraceRuleOnTheFormsValues) {
     ASSERT_EQ(form.intGraceTime, 10);
     const TimeValue start = form.fnCheckGraceTime(kSunday.addDays(1));
     auto counted = [&](const char* in) {
-        return hhmm(entry::graceAdjustedCheckIn(*parseTime(QString::fromLatin1(in)), start,
+        return hhmm(rules::effectiveCheckIn(*parseTime(QString::fromLatin1(in)), start,
                                                 form.intGraceTime));
     };
     EXPECT_EQ(counted("09:00"), QStringLiteral("09:00"));
@@ -218,7 +220,7 @@ TEST_F(ScheduleFixture, CachedResultsEqualTheStatementsAskedEveryTime) {
             db::openRecordset(t.db, entry::sql::newestDayScheduleQuery(db::Dialect::of(t.db), id, 1,
                                                                        form.strWorkTimeCondition));
         const TimeValue hours =
-            newest.eof() ? TimeValue() : entry::scheduledHours(entry::scheduleLineFrom(newest));
+            newest.eof() ? TimeValue() : rules::scheduledHours(entry::toDaySchedule(entry::scheduleLineFrom(newest)));
         EXPECT_EQ(form.mfgAttendance->TextMatrix(i + 1, 4), hours.format(u"hh:mm")) << i;
 
         db::Recordset own = db::openRecordset(

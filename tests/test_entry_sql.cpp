@@ -159,8 +159,9 @@ TEST_F(EntrySqlServerText, ScheduleStatements) {
                "a.cwtscompanyid=b.cwtsCompanyID and a.cwtsid=b.cwtsid And a.cwtsDayID=2 and "
                "a.cwtsCompanyID= 1 "
                "And a.cwtsid = 5");
-    // The working-hours procedure: company, an empty string, the day number, by position.
-    expectTsql(sql::workingHoursStatement(kServer, 1, 3), "{call spreturnWorkingHrs(1,'',3)}");
+    // The working-hours procedure through ODBC's call escape; company, an empty string and
+    // the day number are bound by position.
+    expectTsql(kServer.workingHoursCall(1, 3).sql, "{call spreturnWorkingHrs(?,?,?)}");
 }
 
 TEST_F(EntrySqlServerText, NumberingStatements) {
@@ -354,14 +355,16 @@ TEST_F(EntrySqlite, FirstCheckInOfTheEntrysSetting) {
 }
 
 TEST_F(EntrySqlite, WorkingHoursFromTheProcedureView) {
-    const QString text = sql::workingHoursStatement(kLite, 1, 2);
-    EXPECT_EQ(text, QStringLiteral(
-                        "select WorkingHrs from spreturnWorkingHrs where companyid=1 and dayid=2"));
+    const auto hours = [this](int day) {
+        const db::Dialect::Call call = kLite.workingHoursCall(1, day);
+        return db::openRecordset(t.db, call.sql, call.values);
+    };
+    EXPECT_EQ(kLite.workingHoursCall(1, 2).sql,
+              QStringLiteral("select WorkingHrs from spreturnWorkingHrs where companyid=? and dayid=?"));
     // Monday under the newest setting (2): 08:00-12:00.
-    EXPECT_EQ(t.scalar(text).toString(), QStringLiteral("04:00:00"));
-    EXPECT_EQ(t.scalar(sql::workingHoursStatement(kLite, 1, 3)).toString(),
-              QStringLiteral("03:30:00"));
-    EXPECT_TRUE(t.rows(sql::workingHoursStatement(kLite, 1, 5)).isEmpty());
+    EXPECT_EQ(hours(2).field(0).toString(), QStringLiteral("04:00:00"));
+    EXPECT_EQ(hours(3).field(0).toString(), QStringLiteral("03:30:00"));
+    EXPECT_TRUE(hours(5).eof());
 }
 
 TEST_F(EntrySqlite, PrefixOfTheScreenAndCompany) {

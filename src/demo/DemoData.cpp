@@ -388,9 +388,9 @@ struct LeaveApplication {
     int leaveId;
     QDate from, to;
     double days;     // lrdNoofDays; 0.5 is a half day
-    QString status;  // sanction line status, 's' = sanctioned
+    QString status;  // sanction line status, "S" = sanctioned (the leave module writes upper case)
     bool registerCancelled;
-    bool approved() const { return status == QLatin1String("s") && !registerCancelled; }
+    bool approved() const { return status == QLatin1String("S") && !registerCancelled; }
 };
 
 struct DetailLine {
@@ -615,22 +615,22 @@ std::vector<LeaveApplication> demoLeaves(const std::vector<int>& staff, QDate pr
     const QDate m2 = m0.addMonths(-2);
     std::vector<LeaveApplication> out;
     const QDate l1 = nthWeekday(m2, Qt::Tuesday, 1);
-    out.push_back({who(0), 1, l1, l1.addDays(2), 3, QStringLiteral("s"), false});
+    out.push_back({who(0), 1, l1, l1.addDays(2), 3, QStringLiteral("S"), false});
     const QDate half = nthWeekday(m1, Qt::Wednesday, 3);
-    out.push_back({who(1), 2, half, half, 0.5, QStringLiteral("s"), false});
+    out.push_back({who(1), 2, half, half, 0.5, QStringLiteral("S"), false});
     const QDate l3 = nthWeekday(m0, Qt::Monday, 1);
-    out.push_back({who(2), 3, l3, l3.addDays(1), 2, QStringLiteral("s"), false});
+    out.push_back({who(2), 3, l3, l3.addDays(1), 2, QStringLiteral("S"), false});
     const QDate refused = nthWeekday(m1, Qt::Thursday, 3);
     out.push_back({who(3), 1, refused, refused, 1, QStringLiteral("n"), false});
     const QDate withdrawn = nthWeekday(m0, Qt::Thursday, 2);
-    out.push_back({who(4), 1, withdrawn, withdrawn, 1, QStringLiteral("s"), true});
+    out.push_back({who(4), 1, withdrawn, withdrawn, 1, QStringLiteral("S"), true});
     QDate holiday;
     for (QDate d = m0; d <= monthEnd(m0) && !holiday.isValid(); d = d.addDays(1))
         if (holidays.contains(d)) holiday = d;
     if (holiday.isValid())
         out.push_back(
-            {who(5), 3, holiday.addDays(-1), holiday.addDays(1), 3, QStringLiteral("s"), false});
-    out.push_back({who(6), 2, m0.addDays(-2), m0.addDays(1), 4, QStringLiteral("s"), false});
+            {who(5), 3, holiday.addDays(-1), holiday.addDays(1), 3, QStringLiteral("S"), false});
+    out.push_back({who(6), 2, m0.addDays(-2), m0.addDays(1), 4, QStringLiteral("S"), false});
     return out;
 }
 

@@ -13,8 +13,8 @@ namespace qz2 {
 
 void frmEmployeeDailyAttendance::fnCalculateTotalHours() {
     rules::fnCalculateTotalHours(
-        *mfgAttendance->flexModel(), *mfgMirrorGrid->flexModel(), [this](QDate d) { return fnCheckGraceTime(d); },
-        intGraceTime);
+        *mfgAttendance->flexModel(), *mfgMirrorGrid->flexModel(),
+        [this](QDate d) { return fnCheckGraceTime(d); }, intGraceTime);
 }
 
 void frmEmployeeDailyAttendance::fnCalculateTotalHoursfortheDay() {

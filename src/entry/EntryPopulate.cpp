@@ -1,7 +1,188 @@
+// Populate: the chosen employee and period become one day row per day with its type,
+// the scheduled check-in/check-out pairs of every day in the hidden mirror grid, the day
+// counts and the worked, scheduled and extra hours. On an entry opened for edit the button
+// only re-applies the absent-day picks and the holidays and recounts.
+//
+// The form reads the database (holiday calendar, leave register, work-time settings) and
+// hands the rows to the attendance rules, which do the marking and the arithmetic on the
+// grids' models.
+
+#include <QComboBox>
+#include <QDateEdit>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+#include <exception>
+
+#include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
+#include "rules/DayTypes.h"
+#include "rules/Population.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
 
 namespace qz2 {
 
-void frmEmployeeDailyAttendance::connectPopulateEvents() {}
+namespace {
+
+// The day an item of lstAbsentDays stands for: the date kept with it, or its
+// "yyyy/mm/dd" text.
+std::optional<QDate> listItemDate(const QListWidgetItem* item) {
+    const QVariant kept = item->data(Qt::UserRole);
+    if (kept.typeId() == QMetaType::QDate && kept.toDate().isValid()) return kept.toDate();
+    if (const auto parsed = parseTimeValue(item->text())) return parsed->date();
+    return std::nullopt;
+}
+
+// A date column read back from the database: a date/time through ODBC, ISO text on SQLite,
+// the clipped bound as the statement wrote it ("yyyy/mm/dd") when the case expression
+// chose it.
+std::optional<QDate> dateFromDb(const QVariant& v) {
+    if (const auto value = timeValueFromDb(v)) return value->date();
+    return std::nullopt;
+}
+
+}  // namespace
+
+void frmEmployeeDailyAttendance::connectPopulateEvents() {
+    connect(cmdPopulateRecords, &QPushButton::clicked, this,
+            [this] { cmdPopulateRecords_Click(); });
+}
+
+void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
+    try {
+        // An unreadable start is a run-time error: trapped, nothing happens.
+        const std::optional<QDate> typedStart = parseDmy(txtStartDate->text().trimmed());
+        if (!typedStart) return;
+        QDate start = *typedStart;
+        const QDate end = dtpEndDate->date();
+        // A one-day period (start equal to end) is valid.
+        if (start > end) {
+            MsgBox(QStringLiteral("End Date Should be Greater than Start Date"));
+            return;
+        }
+
+        if (!isNewMode()) {
+            // The stored pairs stay as they are; only the picks and the holidays change.
+            fnMarkAbsentDays();
+            fnMarkHolidays(start, end);
+            fnCountDayTypes();
+            return;
+        }
+
+        if (cboEmpname->currentIndex() < 0) {
+            MsgBox(QStringLiteral("Select Employee"), MsgButtons::Ok, MsgIcon::Information);
+            return;
+        }
+        lngEmployeeID = cboEmpname->currentData().toInt();
+
+        fnSetUpAttendanceGrid();
+        fnSetUpCheckGrid();
+
+        // Days before the employee joined never get rows.
+        start = rules::effectiveStart(start, dtDateOfJoin.value_or(QDate()));
+
+        fnBuildDayRows(start, end);
+        fnMarkAbsentDays();
+        // The later mark wins on a day that is both a holiday and a leave day.
+        if (blnConsiderLeaveHolidays) {
+            fnMarkApprovedLeaves(lngEmployeeID, start, end);
+            fnMarkHolidays(start, end);
+        } else {
+            fnMarkHolidays(start, end);
+            fnMarkApprovedLeaves(lngEmployeeID, start, end);
+        }
+        fnMarkRemainingPresent();
+        fnCountDayTypes();
+
+        fnLayOutScheduledPairs(start, end);
+        fnCalculateTotalHours();
+        for (int row = 1; row < mfgAttendance->Rows(); ++row) {
+            const std::optional<QDate> day =
+                rules::cellDate(mfgAttendance->TextMatrix(row, colDate));
+            if (day) fnCalculateScheduleHours(*day, static_cast<qint16>(row));
+        }
+        fnZeroHolidaySchedule();
+        fnFindtheAdditionalWorkingHours();
+    } catch (const std::exception&) {
+        // Trapped: the rows laid down before the failure stay.
+    }
+}
+
+void frmEmployeeDailyAttendance::fnBuildDayRows(QDate start, QDate end) {
+    rules::fnBuildDayRows(*mfgAttendance->flexModel(), start, end);
+}
+
+void frmEmployeeDailyAttendance::fnLayOutScheduledPairs(QDate start, QDate end) {
+    rules::fnLayOutScheduledPairs(
+        *mfgMirrorGrid->flexModel(), *mfgAttendance->flexModel(), start, end,
+        dtDateOfJoin.value_or(QDate()), [this](QDate day) -> std::optional<rules::DaySchedule> {
+            const std::optional<entry::ScheduleLine> line = fnDaySchedule(day);
+            if (!line) return std::nullopt;
+            return entry::toDaySchedule(*line);
+        });
+}
+
+void frmEmployeeDailyAttendance::fnRemoveMirrorRowsOfDate(QDate date) {
+    rules::fnRemoveMirrorRowsOfDate(*mfgMirrorGrid->flexModel(), date);
+}
+
+void frmEmployeeDailyAttendance::fnZeroHolidaySchedule() {
+    rules::fnZeroHolidaySchedule(*mfgAttendance->flexModel());
+}
+
+void frmEmployeeDailyAttendance::fnMarkHolidays(QDate start, QDate end) {
+    try {
+        db::Recordset rs = entry::openCached(
+            m_cache, gadocon,
+            entry::sql::holidayQuery(dialect(), gintCompanyID, start, end, strCalendarCondition));
+        QList<QDate> holidays;
+        for (; !rs.eof(); rs.moveNext())
+            if (const auto day = dateFromDb(rs.field(0))) holidays << *day;
+        rules::fnMarkHolidays(*mfgAttendance->flexModel(), holidays);
+    } catch (const std::exception&) {
+        // Trapped: the days keep the types they had.
+    }
+}
+
+void frmEmployeeDailyAttendance::fnMarkApprovedLeaves(qint32 employee, QDate start, QDate end) {
+    try {
+        db::Recordset rs = entry::openCached(
+            m_cache, gadocon, entry::sql::approvedLeaveQuery(dialect(), employee, start, end));
+        QList<rules::LeaveRow> leaves;
+        for (; !rs.eof(); rs.moveNext()) {
+            const auto from = dateFromDb(rs.field(QStringLiteral("lrdFromDate")));
+            const auto to = dateFromDb(rs.field(QStringLiteral("lrdToDate")));
+            if (!from || !to) continue;
+            // The status as stored: the rules mark only an exact upper-case "S".
+            leaves << rules::LeaveRow{*from, *to, rs.field(QStringLiteral("Status")).toString(),
+                                      rs.field(QStringLiteral("lrdNoofDays")).toDouble()};
+        }
+        rules::fnMarkApprovedLeaves(*mfgAttendance->flexModel(), leaves);
+    } catch (const std::exception&) {
+        // Trapped: the days keep the types they had.
+    }
+}
+
+void frmEmployeeDailyAttendance::fnMarkAbsentDays() {
+    QList<QDate> listed;
+    QList<QDate> picked;
+    for (int i = 0; i < lstAbsentDays->count(); ++i) {
+        const QListWidgetItem* item = lstAbsentDays->item(i);
+        const std::optional<QDate> day = listItemDate(item);
+        if (!day) continue;
+        listed << *day;
+        if (isAbsentDayPicked(item)) picked << *day;
+    }
+    // On an entry opened for edit, a day that is no longer picked goes back to present and
+    // loses the pairs kept for it.
+    rules::fnMarkAbsentDays(*mfgAttendance->flexModel(), picked, listed, !isNewMode(),
+                            [this](QDate day) { fnRemoveRowsFromMirrorGridOnEdit(day); });
+}
+
+void frmEmployeeDailyAttendance::fnMarkRemainingPresent() {
+    rules::fnMarkRemainingPresent(*mfgAttendance->flexModel());
+}
 
 }  // namespace qz2

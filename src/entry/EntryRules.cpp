@@ -1,7 +1,5 @@
 #include "entry/EntryRules.h"
 
-#include <cmath>
-
 #include "db/Database.h"
 
 namespace qz2::entry {
@@ -46,24 +44,10 @@ QVector<ScheduledPair> completePairs(const ScheduleLine& line) {
     return pairs;
 }
 
-TimeValue scheduledHours(const ScheduleLine& line) {
-    TimeValue total;
-    for (const ScheduledPair& pair : completePairs(line))
-        total = total + (pair.checkOut - pair.checkIn);
-    return total;
-}
-
-namespace {
-qint64 seconds(TimeValue v) {
-    return std::llround(v.days() * 86400.0);
-}
-}  // namespace
-
-TimeValue graceAdjustedCheckIn(TimeValue checkIn, TimeValue scheduledStart, int graceMinutes) {
-    const qint64 in = seconds(checkIn);
-    const qint64 from = seconds(scheduledStart);
-    const qint64 until = seconds(scheduledStart.addMinutes(graceMinutes));
-    return in >= from && in <= until ? scheduledStart : checkIn;
+rules::DaySchedule toDaySchedule(const ScheduleLine& line) {
+    rules::DaySchedule day;
+    for (int p = 0; p < 4; ++p) day[p] = {line.checkIn[p], line.checkOut[p]};
+    return day;
 }
 
 qint64 fnTotalDays(QDate start, QDate end) {

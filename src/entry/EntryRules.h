@@ -1,8 +1,10 @@
 #pragma once
 // The entry form's rules as plain functions over plain values: weekday numbers, a day's
-// scheduled pairs and hours, the grace-time rule, the proposed period and the attendance
-// number. The form moves values between its widgets, the database and these functions;
-// it computes nothing itself, so everything here is tested without a widget.
+// scheduled pairs as read from the work-time settings, the proposed period and the
+// attendance number. The hours of a schedule and the grace-time rule are the attendance
+// rules' own (rules/Population.h, rules/Hours.h). The form moves values between its
+// widgets, the database and these functions; it computes nothing itself, so everything
+// here is tested without a widget.
 
 #include <QDate>
 #include <QString>
@@ -10,6 +12,7 @@
 #include <array>
 #include <optional>
 
+#include "rules/Population.h"
 #include "shared/TimeValue.h"
 
 namespace qz2::db {
@@ -44,15 +47,9 @@ struct ScheduledPair {
 // is skipped and takes no number.
 QVector<ScheduledPair> completePairs(const ScheduleLine& line);
 
-// Sum of check-out minus check-in over the complete pairs (no check that check-out is the
-// later one); zero for a day without any.
-TimeValue scheduledHours(const ScheduleLine& line);
-
-// The check-in that counts for the hours: a check-in from the scheduled start up to the
-// start plus the grace minutes (both ends inclusive) counts as the scheduled start; any
-// other check-in, an early one included, counts as recorded. Compared to the second, so
-// that minute arithmetic on fractions of a day cannot tip a boundary case either way.
-TimeValue graceAdjustedCheckIn(TimeValue checkIn, TimeValue scheduledStart, int graceMinutes);
+// The line as the population and hours rules take it (rules::scheduledHours sums it,
+// rules::fnLayOutScheduledPairs lays it out; the grace rule is rules::effectiveCheckIn).
+rules::DaySchedule toDaySchedule(const ScheduleLine& line);
 
 // Days of a period counting both ends: a period from a day to the same day is 1.
 qint64 fnTotalDays(QDate start, QDate end);

@@ -1,5 +1,6 @@
 #include "entry/EntrySql.h"
 
+#include "entry/StatementCache.h"
 #include "shared/BasAttendence.h"
 
 namespace qz2::entry::sql {
@@ -89,16 +90,65 @@ QString workTimeSettingQuery(qint16 company, const QString& workTimeCondition) {
            QStringLiteral(" and a.cwtsCompanyID= ") + num(company) + workTimeCondition;
 }
 
-QString holidayListQuery(const db::Dialect& d, qint16 company, QDate start, QDate end,
-                         const QString& calendarCondition) {
+namespace {
+// "Select a.HolidayDate ... And a.HolidayDate <= '<end>' And a.HolidayDate >= '<start>'" and
+// the condition; each bound in its own pattern, as the two callers write them differently.
+QString holidaysBetween(qint16 company, const QString& endText, const QString& startText,
+                        const QString& calendarCondition) {
     return QStringLiteral("Select a.HolidayDate from ") + LinkedTableNames.pCalenderDetail +
            QStringLiteral(" a,") + LinkedTableNames.pCalenderHeader +
            QStringLiteral(
                " b where a.companyid=b.companyid and a.CalenderID=b.CalenderID and a.companyID "
                "= ") +
-           num(company) + QStringLiteral(" And a.HolidayDate <= '") +
-           d.dateText(end, u"mm/dd/yyyy") + QStringLiteral("' And a.HolidayDate >= '") +
-           d.dateText(start, u"mm/dd/yyyy") + QStringLiteral("'") + calendarCondition;
+           num(company) + QStringLiteral(" And a.HolidayDate <= '") + endText +
+           QStringLiteral("' And a.HolidayDate >= '") + startText + QStringLiteral("'") +
+           calendarCondition;
+}
+}  // namespace
+
+QString holidayQuery(const db::Dialect& d, qint16 company, QDate start, QDate end,
+                     const QString& calendarCondition) {
+    return holidaysBetween(company, d.dateText(end, u"YYYYMMDD"), d.dateText(start, u"yyyymmdd"),
+                           calendarCondition);
+}
+
+QString holidayListQuery(const db::Dialect& d, qint16 company, QDate start, QDate end,
+                         const QString& calendarCondition) {
+    return holidaysBetween(company, d.dateText(end, u"mm/dd/yyyy"),
+                           d.dateText(start, u"mm/dd/yyyy"), calendarCondition);
+}
+
+QString approvedLeaveQuery(const db::Dialect& d, qint32 employee, QDate start, QDate end) {
+    const QString s = d.dateText(start, u"yyyy/mm/dd");
+    const QString e = d.dateText(end, u"yyyy/mm/dd");
+    return QStringLiteral("select lrdFromDate,lrdToDate,Status,lrdNoofDays from ") +
+           QStringLiteral("(select lh.lrhempid,ld.lrdLeaveID,ld.lrdID,ld.lrdCompanyID,") +
+           QStringLiteral("case when ld.lrdFromDate<'") + s + QStringLiteral("' then '") + s +
+           QStringLiteral("' else ld.lrdFromDate end lrdFromDate,") +
+           QStringLiteral("case when ld.lrdToDate>'") + e + QStringLiteral("' then '") + e +
+           QStringLiteral("' else ld.lrdToDate end lrdToDate,lrdNoofDays ") +
+           QStringLiteral("from ") + LinkedTableNames.pleaveregisterheader +
+           QStringLiteral(" lh,") + LinkedTableNames.pleaveregisterDetail + QStringLiteral(" ld ") +
+           QStringLiteral(
+               "where lh.lrhCompanyID = ld.lrdCompanyID and lh.lrhID = ld.lrdID and "
+               "lh.lrhcancelled =0) Nd,") +
+           QStringLiteral("(select lchcompanyid, lcdlrdid, lcdlrdleaveid, status ") +
+           QStringLiteral("from ") + LinkedTableNames.pLeaveCancellationHeader +
+           QStringLiteral(" ch, ") + LinkedTableNames.pleavecancellationdetail +
+           QStringLiteral(" cd ") +
+           QStringLiteral(
+               "where ch.lchcompanyid = cd.lcdcompanyid and ch.lchid = cd.lcdid and "
+               "ch.lchcancelled =0) ls ") +
+           QStringLiteral(
+               ",pleaves lm Where nd.lrdCompanyID = ls.lchcompanyid And nd.lrdid = "
+               "ls.lcdlrdid ") +
+           QStringLiteral("and nd.lrdleaveid = ls.lcdlrdleaveid  and ") +
+           d.caseless(QStringLiteral("ls.status")) + QStringLiteral(" ='s' and ") +
+           QStringLiteral(
+               "nd.lrdCompanyID = lm.lCompanyID And nd.lrdLeaveID = lm.lLeaveID and "
+               "nd.lrhempid=") +
+           num(employee) + QStringLiteral(" and nd.lrdToDate>='") + s +
+           QStringLiteral("' and nd.lrdFromDate<='") + e + QStringLiteral("'");
 }
 
 QString dayScheduleQuery(qint16 dayId, qint16 company, qint32 settingId,
@@ -120,28 +170,6 @@ QString firstCheckInQuery(qint16 dayId, qint16 company, qint32 settingId,
            QStringLiteral(" And a.cwtsid = ") + num(settingId) + workTimeCondition;
 }
 
-QString workingHoursStatement(const db::Dialect& d, qint16 company, int dayId) {
-    const db::Dialect::Call call = d.workingHoursCall(company, dayId);
-    QString text;
-    qsizetype next = 0;
-    for (const QChar c : call.sql) {
-        if (c != QLatin1Char('?') || next >= call.values.size()) {
-            text += c;
-            continue;
-        }
-        const QVariant& v = call.values[next++];
-        if (v.isNull() && v.typeId() != QMetaType::QString)
-            text += QStringLiteral("NULL");
-        else if (v.typeId() == QMetaType::QString)
-            text += QLatin1Char('\'') +
-                    v.toString().replace(QLatin1Char('\''), QStringLiteral("''")) +
-                    QLatin1Char('\'');
-        else
-            text += v.toString();
-    }
-    return text;
-}
-
 QString prefixQuery(qint32 interfaceId, qint16 company) {
     return QStringLiteral("SELECT Prefix FROM ") + LinkedTableNames.pPrefix +
            QStringLiteral(" WHERE InterfaceID = ") + num(interfaceId) +
@@ -149,3 +177,25 @@ QString prefixQuery(qint32 interfaceId, qint16 company) {
 }
 
 }  // namespace qz2::entry::sql
+
+namespace qz2::entry {
+
+namespace {
+bool g_bypassCache = false;
+}  // namespace
+
+db::Recordset openCached(StatementCache& cache, const QSqlDatabase& db, const QString& sql) {
+    if (g_bypassCache) cache.clear();
+    return cache.open(db, sql);
+}
+
+namespace testing {
+void setStatementCacheBypassed(bool on) {
+    g_bypassCache = on;
+}
+bool statementCacheBypassed() {
+    return g_bypassCache;
+}
+}  // namespace testing
+
+}  // namespace qz2::entry

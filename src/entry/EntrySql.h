@@ -8,6 +8,7 @@
 #include <QDate>
 #include <QString>
 
+#include "db/Database.h"
 #include "db/Dialect.h"
 
 namespace qz2::entry::sql {
@@ -34,9 +35,22 @@ QString calendarCountQuery(qint16 company, const QString& calendarCondition, int
 QString monthlyEntryOverlapQuery(const db::Dialect& d, qint32 employee, QDate start, QDate end);
 // The newest work-time setting of the company (and department).
 QString workTimeSettingQuery(qint16 company, const QString& workTimeCondition);
-// The holidays of a period, bounds formatted "mm/dd/yyyy" (the absent-day list's query).
+// The holidays of a period that Populate marks: the end written "YYYYMMDD", the start
+// "yyyymmdd", then the calendar department condition as it stands.
+QString holidayQuery(const db::Dialect& d, qint16 company, QDate start, QDate end,
+                     const QString& calendarCondition);
+// The same statement with both bounds formatted "mm/dd/yyyy" (the absent-day list's query).
 QString holidayListQuery(const db::Dialect& d, qint16 company, QDate start, QDate end,
                          const QString& calendarCondition);
+
+// The employee's approved leave lines that touch the period, each clipped to it by the
+// statement itself (columns lrdFromDate, lrdToDate, Status, lrdNoofDays). Only register
+// lines of a register header that is not cancelled count, and only with a sanction line
+// of status 's' under a sanction header that is not cancelled. The bounds are written
+// "yyyy/mm/dd". SQL Server's collation compares the status without regard to case;
+// SQLite is told to do the same, so that both hand the same rows to the program's own
+// exact test.
+QString approvedLeaveQuery(const db::Dialect& d, qint32 employee, QDate start, QDate end);
 
 // A weekday's scheduled pairs under the entry's own work-time setting.
 QString dayScheduleQuery(qint16 dayId, qint16 company, qint32 settingId,
@@ -49,11 +63,27 @@ QString newestDayScheduleQuery(const db::Dialect& d, qint16 dayId, qint16 compan
 QString firstCheckInQuery(qint16 dayId, qint16 company, qint32 settingId,
                           const QString& workTimeCondition);
 
-// The working-hours procedure's call for one weekday, its positional values written into
-// the text as literals (numbers bare, strings quoted), so that it runs as a plain query.
-QString workingHoursStatement(const db::Dialect& d, qint16 company, int dayId);
-
 // The attendance-number prefix of the screen and company.
 QString prefixQuery(qint32 interfaceId, qint16 company);
 
 }  // namespace qz2::entry::sql
+
+namespace qz2::entry {
+
+class StatementCache;
+
+// The rows of one of the form's read-only statements, through the form's cache: the
+// database is asked only the first time the text is seen while the form is open (or
+// since the employee last changed). Throws db::DbError like the statement would.
+db::Recordset openCached(StatementCache& cache, const QSqlDatabase& db, const QString& sql);
+
+namespace testing {
+// Benchmarks and tests only. While on, every read through openCached (and the working-hours
+// procedure) empties the form's cache first, so that each statement is asked as often as
+// the procedures ask for it: the uncached algorithm, to count its statements and to check
+// that the cached results are the same.
+void setStatementCacheBypassed(bool on);
+bool statementCacheBypassed();
+}  // namespace testing
+
+}  // namespace qz2::entry
