@@ -13,13 +13,13 @@ void showNewEntry(QWidget* parent) {
     form.exec();
 }
 
-// Opens the form in Edit mode. Loading the stored entry into it (its header, days, pairs
-// and claims) belongs to the register's edit path and is added there; until then the form
-// opens with its Edit-mode start-up only.
-void openEntryForEdit(QWidget* parent, const QString&, bool) {
+// Edit mode: the form starts up, the stored entry is loaded into it and it is shown. When
+// the entry cannot be read the form is not shown at all.
+void openEntryForEdit(QWidget* parent, const QString& id, bool cancelled) {
     gstrEntryMode = QStringLiteral("E");
     frmEmployeeDailyAttendance form(parent);
     form.Form_Load();
+    if (!form.fnLoadEntry(id, cancelled)) return;
     form.exec();
 }
 

@@ -1,7 +1,216 @@
+// Saving an entry: the checks that must pass before anything is written, then the header,
+// the detail lines, the allowance/deduction lines and the lines of days without pairs, all
+// in one transaction; then the register's row for the entry and the form's unload.
+//
+// The form itself is never changed by a save that fails: every value is read from the
+// widgets, nothing is written back before the commit, and the transaction scope rolls the
+// database back whatever the failure was, so the clerk can correct and press OK again.
+
+#include <QComboBox>
+#include <QDateEdit>
+#include <QLineEdit>
+#include <QPushButton>
+#include <exception>
+
+#include "commonmodule/CommonModule.h"
+#include "db/Database.h"
+#include "entry/SaveSql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
+#include "rules/Saving.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
+#include "shared/SharedServices.h"
 
 namespace qz2 {
 
-void frmEmployeeDailyAttendance::connectSaveEvents() {}
+namespace {
+
+// How long a save waits for another writer of the same database before it gives up with
+// the database's own "locked" message.
+constexpr int kLockWaitMs = 10000;
+
+// A bit column: 0/1 on SQLite, a Boolean through ODBC; NULL counts as off.
+bool isOn(const QVariant& v) {
+    return !v.isNull() && v.toBool();
+}
+
+// A date text of the form as the date it stands for; a text that is not a date is the same
+// run-time error as any other conversion the save makes.
+QDate requiredDate(const QString& text) {
+    const std::optional<QDate> day = rules::cellDate(text.trimmed());
+    if (!day) throw rules::SaveDataError("Type mismatch");
+    return *day;
+}
+
+QString describe(const std::exception& e) {
+    if (const auto* dbError = dynamic_cast<const db::DbError*>(&e)) return dbError->message();
+    return QString::fromUtf8(e.what());
+}
+
+// Waits for another saver's lock instead of failing at once, unless the connection already
+// has a wait of its own.
+void ensureLockWait(const db::Dialect& d) {
+    const std::optional<QString> read = entry::savesql::lockWaitQuery(d);
+    if (!read) return;
+    if (db::scalar(gadocon, *read).toLongLong() > 0) return;
+    db::execute(gadocon, *entry::savesql::setLockWait(d, kLockWaitMs));
+}
+
+QVector<QVariant> detailValues(const db::Dialect& d, qint32 attendanceId,
+                               const rules::DetailLine& line) {
+    return {
+        QVariant(gintCompanyID),
+        QVariant(attendanceId),
+        QVariant(line.detailId),
+        entry::savesql::dateValue(d, line.date),
+        QVariant(line.type),
+        line.checkIn ? entry::savesql::timeValue(d, *line.checkIn) : entry::savesql::noTime(d),
+        line.checkOut ? entry::savesql::timeValue(d, *line.checkOut) : entry::savesql::noTime(d)};
+}
+
+// The lines of the absent and leave days, and of the holidays without pairs, continuing
+// the detail numbering from the last mirror line.
+void fnInsertOtherDays(entry::savesql::InsertCommand& detail, const db::Dialect& d,
+                       const FlexGridModel& dayGrid, const FlexGridModel& mirror,
+                       qint32 attendanceId, int& detailCounter) {
+    for (const rules::DetailLine& line : rules::fnInsertOtherDays(dayGrid, mirror, detailCounter))
+        detail.execute(detailValues(d, attendanceId, line));
+}
+
+}  // namespace
+
+void frmEmployeeDailyAttendance::connectSaveEvents() {
+    connect(cmdOK, &QPushButton::clicked, this, [this] { cmdOK_Click(); });
+}
+
+void frmEmployeeDailyAttendance::cmdOK_Click() {
+    m_saved = false;
+    const FlexGridModel& days = *mfgAttendance->flexModel();
+    const FlexGridModel& mirror = *mfgMirrorGrid->flexModel();
+
+    if (cboEmpname->currentIndex() == -1) {
+        MsgBox(QStringLiteral("Select Employee"));
+        cboEmpname->setFocus();
+        return;
+    }
+    if (days.Rows() <= 1 || rules::processAttendanceMissing(days, mirror)) {
+        MsgBox(QStringLiteral("Process Attendance"));
+        cmdPopulateRecords->setFocus();
+        return;
+    }
+
+    const bool editMode = gstrEntryMode == QLatin1String("E");
+    const db::Dialect d = dialect();
+    const qint32 employee = cboEmpname->itemData(cboEmpname->currentIndex()).toInt();
+    qint32 newId = 0;
+    try {
+        // Even the checks' reads may meet another saver's commit: wait for it from the start.
+        ensureLockWait(d);
+        if (editMode && fnIsMonthlyEntryOverlapping(employee, requiredDate(txtStartDate->text()),
+                                                    dtpEndDate->date())) {
+            MsgBox(QStringLiteral("Monthly entry done. Canot Modify."), MsgButtons::Ok,
+                   MsgIcon::Information);
+            return;
+        }
+
+        auto helper = commonmodule::createCommonDB(gadocon);
+        helper->strTableName = LinkedTableNames.pSettings;
+        const bool rateFromMaster =
+            isOn(helper->fnReturnField(QStringLiteral("PerHourRateFromEmployeeMaster"),
+                                       entry::savesql::rateSettingCondition(gintCompanyID)));
+        helper->strTableName = LinkedTableNames.pemployee;
+        const QVariant rateField =
+            helper->fnReturnField(QStringLiteral("PerHourRate"),
+                                  entry::savesql::employeeRateCondition(gintCompanyID, employee));
+        const double rate = rateField.isNull() ? 0.0 : rateField.toDouble();
+        if (rate == 0.0 && rateFromMaster) {
+            MsgBox(QStringLiteral("The Overtime/Latecoming Rate/Hour is Zero in the Employee "
+                                  "master. Can't Save."),
+                   MsgButtons::Ok, MsgIcon::Information);
+            return;
+        }
+
+        // The write lock is taken at once, so that two clerks saving at the same moment are
+        // served one after the other before either reads the next number.
+        db::Transaction transaction(gadocon, /*immediate=*/true);
+        {
+            if (editMode) {
+                db::execute(gadocon,
+                            entry::savesql::deleteAllowanceLines(gintCompanyID, lngAttendanceID));
+                db::execute(gadocon,
+                            entry::savesql::deleteDetailLines(gintCompanyID, lngAttendanceID));
+                db::execute(gadocon, entry::savesql::deleteHeader(gintCompanyID, lngAttendanceID));
+            }
+            const QString attendanceNo =
+                editMode ? txtAttNo->text().trimmed() : fnGenerateAttendanceNo();
+            helper->strTableName = LinkedTableNames.pEmployeeAttendence;
+            newId = helper->fnGetNextMaxNo(QStringLiteral("eaID"));
+
+            const QString remarks = txtRemarks->text().trimmed();
+            entry::savesql::InsertCommand header(gadocon, entry::savesql::headerInsert());
+            header.execute(
+                {QVariant(gintCompanyID), QVariant(newId), QVariant(attendanceNo),
+                 entry::savesql::dateValue(d, requiredDate(txtAttdate->text())), QVariant(employee),
+                 QVariant(val(txtNoPresent->text().trimmed())),
+                 QVariant(val(txtNoLeave->text().trimmed())),
+                 QVariant(val(txtNoAbsent->text().trimmed())), QVariant(0),
+                 entry::savesql::dateValue(d, requiredDate(txtStartDate->text())),
+                 entry::savesql::dateValue(d, dtpEndDate->date()), QVariant(lngWorkTimeSettingID),
+                 remarks.isEmpty() ? entry::savesql::noText() : QVariant(remarks), QVariant(rate)});
+
+            entry::savesql::InsertCommand detail(gadocon, entry::savesql::detailInsert());
+            const QList<rules::DetailLine> pairLines = rules::fnMirrorDetailLines(days, mirror);
+            for (const rules::DetailLine& line : pairLines)
+                detail.execute(detailValues(d, newId, line));
+
+            int allowanceId = 0;
+            int deductionId = 0;
+            const db::Recordset heads = db::openRecordset(
+                gadocon, entry::savesql::currencyHeadsQuery(employee, gintCompanyID));
+            if (!heads.eof()) {
+                allowanceId = heads.isNull(0) ? 0 : heads.field(0).toInt();
+                deductionId = heads.isNull(1) ? 0 : heads.field(1).toInt();
+            }
+            const QList<rules::AllowanceLine> claims =
+                rules::allowanceLinesToInsert(days, allowanceId, deductionId);
+            if (!claims.isEmpty()) {
+                entry::savesql::InsertCommand allowance(gadocon, entry::savesql::allowanceInsert());
+                for (const rules::AllowanceLine& line : claims)
+                    allowance.execute(
+                        {QVariant(gintCompanyID), QVariant(newId), QVariant(line.detailId),
+                         entry::savesql::dateValue(d, line.date), QVariant(line.hours),
+                         line.allowanceId ? QVariant(*line.allowanceId)
+                                          : entry::savesql::noNumber(),
+                         line.deductionId ? QVariant(*line.deductionId)
+                                          : entry::savesql::noNumber()});
+            }
+
+            int detailCounter = static_cast<int>(pairLines.size());
+            fnInsertOtherDays(detail, d, days, mirror, newId, detailCounter);
+        }
+        transaction.commit();
+    } catch (const std::exception& e) {
+        // The transaction scope has rolled back whatever was written.
+        MsgBox(describe(e), MsgButtons::Ok, MsgIcon::Information);
+        return;
+    }
+
+    // An edit refreshes the register row it was opened from (its identifier as listed); a
+    // new entry appends the row of its new identifier. An edit saved under a new identifier
+    // no longer has a row under the listed one, so that row is rewritten from the new one.
+    QString listedId = QString::number(newId);
+    if (editMode) {
+        const FlexGrid* grid = registerGrid();
+        listedId = grid && grid->Row() > 0 ? grid->TextMatrix(grid->Row(), 0)
+                                           : QString::number(lngAttendanceID);
+    }
+    const QString company = QStringLiteral(" and eacompanyid=") + QString::number(gintCompanyID);
+    if (!fnRefreshRegisterRow(QStringLiteral("eaID=") + listedId + company) && editMode &&
+        listedId != QString::number(newId))
+        fnRefreshRegisterRow(QStringLiteral("eaID=") + QString::number(newId) + company);
+    m_saved = true;
+    accept();
+}
 
 }  // namespace qz2

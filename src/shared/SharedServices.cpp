@@ -58,25 +58,27 @@ void fnStoreControlValues(QWidget* form) {
 
 QString registerCellText(const QVariant& v);  // defined with the register's population
 
-void fnRefreshRegisterRow(const QString& condition, const QString&) {
+bool fnRefreshRegisterRow(const QString& condition, const QString&) {
     FlexGrid* grid = registerGrid();
-    if (!grid) return;
+    if (!grid) return false;
     try {
         const int row = grid->Row();
         db::Recordset rs = db::openRecordset(gadocon, sql::refreshQuery(gstrMasterQuery, condition));
-        if (rs.eof()) return;
+        if (rs.eof()) return false;
         QStringList cells;
         for (int c = 0; c < rs.fieldCount(); ++c) cells << registerCellText(rs.field(c));
         if (gstrEntryMode == QLatin1String("E")) {
-            if (row < 1) return;
+            if (row < 1) return false;
             for (int c = 0; c < cells.size() && c < grid->Cols(); ++c) grid->setTextMatrix(row, c, cells[c]);
         } else {
             grid->AddItem(cells);
             grid->setCurrentCell(grid->Rows() - 1, 0);
             grid->scrollTo(grid->currentIndex());
         }
+        return true;
     } catch (const std::exception&) {
         // A refresh that fails leaves the list as it was; the entry itself is saved.
+        return false;
     }
 }
 

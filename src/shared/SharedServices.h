@@ -18,8 +18,8 @@ void fnStoreControlValues(QWidget* form);
 
 // Re-reads one register row with the list query narrowed by the condition: in edit mode the
 // current row is rewritten, otherwise the row is appended and made current. Errors end it
-// silently.
-void fnRefreshRegisterRow(const QString& condition, const QString& unused = {});
+// silently. True when a row came back and was written.
+bool fnRefreshRegisterRow(const QString& condition, const QString& unused = {});
 
 // True (after telling the clerk) when a monthly entry that is not cancelled starts or ends
 // inside the period of the register's current entry. Mode "E" speaks of editing, anything

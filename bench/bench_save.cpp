@@ -1,0 +1,156 @@
+// Times pressing OK on a full month: 31 days, six check-in/check-out pairs a day and a
+// claim on every day (allowance and deduction alternating), saved to an SQLite file. Each
+// run keys a fresh form and times the save alone. Prints the median and worst time, and
+// per save the statements run and the inserts prepared (each of the three inserts should
+// be prepared once however many rows it writes). Run by hand, never as a test:
+//   build/release/bench/bench_save [--runs 200]
+#include <QApplication>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QElapsedTimer>
+#include <QLineEdit>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+#include <algorithm>
+#include <cstdio>
+#include <vector>
+
+#include "db/Database.h"
+#include "demo/DemoData.h"
+#include "entry/SaveSql.h"
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "rules/HalfDay.h"
+#include "rules/Population.h"
+#include "rules/RuleGrids.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
+
+namespace {
+
+constexpr int kDays = 31;
+const QDate kStart(2026, 12, 1);
+
+double ms(const QElapsedTimer& t) {
+    return static_cast<double>(t.nsecsElapsed()) / 1e6;
+}
+
+// Keys the month on a loaded form, as Populate and the clerk's corrections leave it.
+void keyMonth(qz2::frmEmployeeDailyAttendance& form, qint32 employee) {
+    using namespace qz2;
+    for (int i = 0; i < form.cboEmpname->count(); ++i)
+        if (form.cboEmpname->itemData(i).toLongLong() == employee)
+            form.cboEmpname->setCurrentIndex(i);
+    const QDate end = kStart.addDays(kDays - 1);
+    form.txtStartDate->setText(dateText(kStart));
+    form.dtpEndDate->setDate(end);
+    form.txtEndDate->setText(dateText(end));
+    FlexGridModel& days = *form.mfgAttendance->flexModel();
+    FlexGridModel& mirror = *form.mfgMirrorGrid->flexModel();
+    rules::fnBuildDayRows(days, kStart, end);
+    mirror.setRows(1);
+    const char* pairs[6][2] = {{"06:00", "07:00"}, {"07:30", "09:00"}, {"09:30", "11:00"},
+                               {"11:30", "13:00"}, {"13:30", "15:00"}, {"15:30", "17:10"}};
+    for (int i = 0; i < kDays; ++i) {
+        const QDate day = kStart.addDays(i);
+        days.setTextMatrix(i + 1, rules::daycol::Type, QStringLiteral("P"));
+        for (int p = 0; p < 6; ++p)
+            mirror.AddItem({dateText(day), QString::number(p + 1), QString::fromLatin1(pairs[p][0]),
+                            QString::fromLatin1(pairs[p][1])});
+    }
+    form.fnCalculateTotalHours();
+    for (int i = 0; i < kDays; ++i)
+        rules::fnSetDayAllowanceDeduction(days, QStringLiteral("01:10"),
+                                          i % 2 == 0 ? QStringLiteral("A") : QStringLiteral("D"),
+                                          kStart.addDays(i), true);
+    form.fnCountDayTypes();
+    form.txtRemarks->setText(QStringLiteral("A busy month"));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    int runs = 200;
+    const QStringList args = app.arguments();
+    for (int i = 1; i + 1 < args.size(); ++i)
+        if (args[i] == QLatin1String("--runs")) runs = std::max(1, args[i + 1].toInt());
+
+    QTemporaryDir dir;
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("bench"));
+    db.setDatabaseName(dir.filePath(QStringLiteral("bench.sqlite")));
+    if (!db.open()) {
+        std::fprintf(stderr, "cannot open the database\n");
+        return 1;
+    }
+    qz2::demo::createSchema(db);
+    qz2::demo::generate(db, QDate(2026, 11, 21));
+    qz2::gadocon = db;
+    qz2::gintCompanyID = 1;
+    qz2::gintUserID = 1;
+    qz2::gdtProcessDate = QDate(2026, 11, 21);
+    qz2::gstrMsgboxTitle = QStringLiteral("Attendance");
+    qz2::glngInterfaceID = qz2::kInterfaceID;
+    qz2::fnLoadLinkTableNames();
+    qz2::msgbox_testing::setAutoAnswer(true);
+
+    QSqlQuery pick(db);
+    pick.exec(QStringLiteral(
+        "select eEmpID from pEmployee where eCompanyID=1 and eActive=1 and eDeptID is not null "
+        "and PerHourRate>0 order by eEmpID limit 1"));
+    if (!pick.next()) {
+        std::fprintf(stderr, "no employee to key\n");
+        return 1;
+    }
+    const qint32 employee = pick.value(0).toInt();
+
+    std::vector<double> times;
+    qint64 statements = 0;
+    qint64 prepared = 0;
+    for (int run = 0; run < runs; ++run) {
+        qz2::gstrEntryMode = QStringLiteral("N");
+        qz2::frmEmployeeDailyAttendance form;
+        form.Form_Load();
+        keyMonth(form, employee);
+        qz2::msgbox_testing::clear();
+        const qint64 statementsBefore = qz2::db::statementCount();
+        const qint64 preparedBefore = qz2::entry::savesql::insertPreparations();
+        QElapsedTimer timer;
+        timer.start();
+        form.cmdOK_Click();
+        times.push_back(ms(timer));
+        if (!form.saved()) {
+            const auto& shown = qz2::msgbox_testing::shown();
+            std::fprintf(stderr, "run %d did not save: %s\n", run,
+                         shown.isEmpty() ? "?" : shown.last().text.toLocal8Bit().constData());
+            return 1;
+        }
+        statements += qz2::db::statementCount() - statementsBefore;
+        prepared += qz2::entry::savesql::insertPreparations() - preparedBefore;
+    }
+
+    QSqlQuery rows(db);
+    rows.exec(QStringLiteral(
+        "select (select count(*) from pEmpAttendanceDetail d where d.eadAttendanceID=h.eaID), "
+        "(select count(*) from pEmpAttendanceAllowanceDeductions a where "
+        "a.eaadAttendanceID=h.eaID) "
+        "from pEmployeeAttendence h where h.eaID=(select max(eaID) from pEmployeeAttendence)"));
+    rows.next();
+    std::vector<double> sorted = times;
+    std::sort(sorted.begin(), sorted.end());
+    const double median = sorted.size() % 2
+                              ? sorted[sorted.size() / 2]
+                              : (sorted[sorted.size() / 2 - 1] + sorted[sorted.size() / 2]) / 2.0;
+    std::printf("save of %d days x 6 pairs + %d claims, %d runs on an SQLite file\n", kDays, kDays,
+                runs);
+    std::printf("  rows per save:        1 header, %d detail, %d claim lines\n",
+                rows.value(0).toInt(), rows.value(1).toInt());
+    std::printf("  median:               %.2f ms\n", median);
+    std::printf("  worst:                %.2f ms\n", sorted.back());
+    std::printf("  best:                 %.2f ms\n", sorted.front());
+    std::printf("  statements per save:  %.1f\n", static_cast<double>(statements) / runs);
+    std::printf("  inserts prepared per save: %.1f\n", static_cast<double>(prepared) / runs);
+    return 0;
+}

@@ -1,0 +1,146 @@
+// Loading a stored entry into the entry form for correction: the header into the boxes,
+// the stored pairs into the mirror grid, one day row per stored date and type, the hours,
+// and the allowance and deduction claims back into the day rows. An entry that a monthly
+// entry covers, or a cancelled one, opens for viewing only.
+
+#include <QComboBox>
+#include <QDateEdit>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <exception>
+
+#include "commonmodule/CommonModule.h"
+#include "db/Database.h"
+#include "entry/EntryRules.h"
+#include "entry/SaveSql.h"
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "rules/DayTypes.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/SharedServices.h"
+
+namespace qz2 {
+
+namespace {
+
+std::optional<QDate> storedDate(const QVariant& v) {
+    const std::optional<TimeValue> t = timeValueFromDb(v);
+    return t ? std::optional<QDate>(t->date()) : std::nullopt;
+}
+
+QString storedDateText(const QVariant& v) {
+    const std::optional<QDate> day = storedDate(v);
+    return day ? dateText(*day) : QString();
+}
+
+// A stored count or amount as the form's boxes show numbers ("20", "20.5").
+QString numberText(const QVariant& v) {
+    return v.isNull() ? QString() : rules::countText(v.toDouble());
+}
+
+}  // namespace
+
+bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) {
+    gstrEntryMode = QStringLiteral("E");
+    if (!m_loaded) Form_Load();
+    bool viewOnly = false;
+    try {
+        const db::Recordset header =
+            db::openRecordset(gadocon, entry::savesql::headerQuery(dialect(), gintCompanyID, id));
+        if (!header.eof()) {
+            const QVariant employee = header.field(QStringLiteral("eaEmpID"));
+            viewOnly = fnIsMonthlyEntryDone(QStringLiteral("E"));
+            // Selecting the employee runs the employee box's own handler (department,
+            // schedule conditions, cleared grids), as the clerk's choice would.
+            commonGen()->SelectComboItemByValue(cboEmpname, employee);
+
+            const std::optional<QDate> start =
+                storedDate(header.field(QStringLiteral("eaStartDate")));
+            const std::optional<QDate> end = storedDate(header.field(QStringLiteral("eaEndDate")));
+            txtStartDate->setText(start ? dateText(*start) : QString());
+            if (end) {
+                dtpEndDate->setDate(*end);
+                txtEndDate->setText(dateText(*end));
+            }
+            txtAttNo->setText(header.field(QStringLiteral("eaNo")).toString());
+            txtAttdate->setText(storedDateText(header.field(QStringLiteral("eaDate"))));
+            txtNoPresent->setText(numberText(header.field(QStringLiteral("eaPresent"))));
+            txtNoLeave->setText(numberText(header.field(QStringLiteral("eaLeaves"))));
+            txtNoAbsent->setText(numberText(header.field(QStringLiteral("eaAbsent"))));
+            if (start && end) {
+                fnPopoulateList(*start, *end);
+                txtTotalDays->setText(QString::number(entry::fnTotalDays(*start, *end)));
+            }
+            txtRemarks->setText(header.field(QStringLiteral("eaRemarks")).toString());
+            if (!header.isNull(QStringLiteral("eacwtsid")))
+                lngWorkTimeSettingID = header.field(QStringLiteral("eacwtsid")).toInt();
+        }
+
+        // The stored pairs. Column 1 holds the stored line number until the grid is
+        // renumbered per day below.
+        for (db::Recordset rs =
+                 db::openRecordset(gadocon, entry::savesql::detailLinesQuery(gintCompanyID, id));
+             !rs.eof(); rs.moveNext()) {
+            // Lines of days without times (absent, leave, bare holidays) have no pair.
+            if (rs.isNull(QStringLiteral("eadCheckIn")) || rs.isNull(QStringLiteral("eadCheckOut")))
+                continue;
+            const std::optional<TimeValue> in =
+                timeValueFromDb(rs.field(QStringLiteral("eadCheckIn")));
+            const std::optional<TimeValue> out =
+                timeValueFromDb(rs.field(QStringLiteral("eadCheckOut")));
+            mfgMirrorGrid->AddItem({storedDateText(rs.field(QStringLiteral("eadDate"))),
+                                    rs.field(QStringLiteral("eadDetailID")).toString(),
+                                    in ? in->format(u"HH:mm") : QString(),
+                                    out ? out->format(u"HH:mm") : QString()});
+        }
+
+        // One day row per stored date and type, with the day's scheduled hours.
+        for (db::Recordset rs =
+                 db::openRecordset(gadocon, entry::savesql::entryDaysQuery(gintCompanyID, id));
+             !rs.eof(); rs.moveNext()) {
+            const std::optional<QDate> day = storedDate(rs.field(QStringLiteral("eadDate")));
+            mfgAttendance->AddItem({QString(), day ? dateText(*day) : QString(),
+                                    rs.field(QStringLiteral("eadType")).toString().trimmed()});
+            if (day) fnCalculateScheduleHours(*day, static_cast<qint16>(mfgAttendance->Rows() - 1));
+        }
+
+        fnCalculateTotalHours();
+
+        // The claims go back to their days: the amount as the day's Hours, the kind as its
+        // AllowanceType ("A" allowance, "D" deduction).
+        for (db::Recordset rs =
+                 db::openRecordset(gadocon, entry::savesql::allowanceLinesQuery(gintCompanyID, id));
+             !rs.eof(); rs.moveNext()) {
+            const bool allowance = !rs.isNull(QStringLiteral("eaadAllowanceID"));
+            const bool deduction = !rs.isNull(QStringLiteral("eaadDeductionID"));
+            if (!allowance && !deduction) continue;
+            const QString day = storedDateText(rs.field(QStringLiteral("eaadDate")));
+            for (int row = 1; row < mfgAttendance->Rows(); ++row) {
+                if (mfgAttendance->TextMatrix(row, colDate) != day) continue;
+                mfgAttendance->setTextMatrix(
+                    row, colHours,
+                    entry::savesql::hoursText(rs.field(QStringLiteral("eaadHours")).toDouble()));
+                mfgAttendance->setTextMatrix(row, colAllowanceType,
+                                             allowance ? QStringLiteral("A") : QStringLiteral("D"));
+                break;
+            }
+        }
+        fnRenumbertheGridForEachDate();
+
+        lngAttendanceID = id.trimmed().toInt();
+    } catch (const std::exception&) {
+        // Trapped: the form is not shown.
+        return false;
+    }
+    if (cancelled) cmdOK->setEnabled(false);
+    if (viewOnly) {
+        cmdOK->setEnabled(false);
+        fraEmployeeAttendance->setEnabled(false);
+        fraGridContainer->setEnabled(false);
+    }
+    fnStoreControlValues(this);
+    return true;
+}
+
+}  // namespace qz2

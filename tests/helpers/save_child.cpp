@@ -1,0 +1,185 @@
+// The reliability tests' child: saves attendance entries through the entry form, offscreen,
+// on an SQLite file shared with its parent, and reports each outcome on standard output:
+//   statements <n>        statements the last save ran (with --count)
+//   saved <eaID> <eaNo>   a save that committed
+//   error <message>       a save that reported an error (it is then pressed again)
+//   gave-up               too many errors in a row
+// With --exit-at N the process ends abruptly (_exit, no clean-up of any kind) just before
+// the N-th statement of the save reaches the database, as a crash or a power cut would.
+// With --go FILE it waits until FILE exists, so that two children start at one moment.
+
+#include <unistd.h>
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QElapsedTimer>
+#include <QFileInfo>
+#include <QSqlQuery>
+#include <QTextStream>
+#include <QThread>
+#include <cstdio>
+
+#include "SaveScenario.h"
+#include "db/Database.h"
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
+#include "shared/SharedServices.h"
+
+namespace {
+
+QTextStream& out() {
+    static QTextStream stream(stdout);
+    return stream;
+}
+
+void report(const QString& line) {
+    out() << line << Qt::endl;
+}
+
+// The lock wait the saves run with (--busy); the form's loading keeps the driver's own, so
+// that only saves meet a short wait.
+int g_saveLockWait = -1;
+
+void setLockWait(int ms) {
+    QSqlQuery q(qz2::gadocon);
+    q.exec(QStringLiteral("PRAGMA busy_timeout = ") + QString::number(ms));
+}
+
+// Presses OK until the save commits, reporting each error; false when it never did.
+bool pressOkUntilSaved(qz2::frmEmployeeDailyAttendance& form, int exitAt, bool count, int retries) {
+    for (int attempt = 0; attempt <= retries; ++attempt) {
+        qz2::msgbox_testing::clear();
+        if (g_saveLockWait >= 0) setLockWait(g_saveLockWait);
+        int statements = 0;
+        qz2::db::setFaultHook([&statements, exitAt](const QString&) {
+            if (++statements == exitAt) {
+                std::fflush(stdout);
+                _exit(3);
+            }
+            return QString();
+        });
+        form.cmdOK_Click();
+        qz2::db::setFaultHook({});
+        if (g_saveLockWait >= 0) setLockWait(10000);
+        if (count) report(QStringLiteral("statements ") + QString::number(statements));
+        if (form.saved()) return true;
+        const auto& shown = qz2::msgbox_testing::shown();
+        report(QStringLiteral("error ") +
+               (shown.isEmpty() ? QStringLiteral("(no message)") : shown.last().text));
+    }
+    report(QStringLiteral("gave-up"));
+    return false;
+}
+
+void reportSaved(qint32 employee, QDate start) {
+    QSqlQuery q(qz2::gadocon);
+    q.exec(QStringLiteral(
+               "select eaID, eaNo from pEmployeeAttendence where eaCompanyID=1 and eaEmpID=%1 "
+               "and eaStartDate='%2' and eaCancelled=0")
+               .arg(employee)
+               .arg(start.toString(Qt::ISODate)));
+    if (q.next())
+        report(QStringLiteral("saved ") + q.value(0).toString() + QLatin1Char(' ') +
+               q.value(1).toString());
+    else
+        report(QStringLiteral("saved ? ?"));
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Saves attendance entries for the reliability tests."));
+    parser.addHelpOption();
+    const QCommandLineOption dbOpt(QStringLiteral("db"), QStringLiteral("SQLite file."),
+                                   QStringLiteral("file"));
+    const QCommandLineOption empOpt(QStringLiteral("employee"), QStringLiteral("Employee."),
+                                    QStringLiteral("id"));
+    const QCommandLineOption startOpt(QStringLiteral("start"),
+                                      QStringLiteral("First period start."),
+                                      QStringLiteral("yyyy-mm-dd"));
+    const QCommandLineOption savesOpt(QStringLiteral("saves"),
+                                      QStringLiteral("Entries to save, 8 days apart."),
+                                      QStringLiteral("n"), QStringLiteral("1"));
+    const QCommandLineOption editOpt(QStringLiteral("edit"),
+                                     QStringLiteral("Edit this stored entry instead."),
+                                     QStringLiteral("eaID"));
+    const QCommandLineOption exitOpt(QStringLiteral("exit-at"),
+                                     QStringLiteral("End before the n-th statement."),
+                                     QStringLiteral("n"), QStringLiteral("0"));
+    const QCommandLineOption countOpt(QStringLiteral("count"),
+                                      QStringLiteral("Report each save's statements."));
+    const QCommandLineOption busyOpt(QStringLiteral("busy"),
+                                     QStringLiteral("Lock wait of the saves."),
+                                     QStringLiteral("ms"), QStringLiteral("-1"));
+    const QCommandLineOption goOpt(QStringLiteral("go"),
+                                   QStringLiteral("Start once this file exists."),
+                                   QStringLiteral("file"));
+    const QCommandLineOption retriesOpt(QStringLiteral("retries"),
+                                        QStringLiteral("OK presses after errors."),
+                                        QStringLiteral("n"), QStringLiteral("200"));
+    parser.addOptions({dbOpt, empOpt, startOpt, savesOpt, editOpt, exitOpt, countOpt, busyOpt,
+                       goOpt, retriesOpt});
+    parser.process(app);
+
+    qz2::msgbox_testing::setAutoAnswer(true);
+    try {
+        qz2test::openSessionFile(parser.value(dbOpt), QStringLiteral("child"), 10000);
+    } catch (const std::exception& e) {
+        report(QStringLiteral("open-failed ") + QString::fromUtf8(e.what()));
+        return 2;
+    }
+    if (parser.isSet(goOpt)) {
+        QElapsedTimer waited;
+        waited.start();
+        while (!QFileInfo::exists(parser.value(goOpt)) && waited.elapsed() < 60000)
+            QThread::usleep(200);
+    }
+
+    g_saveLockWait = parser.value(busyOpt).toInt();
+    const qint32 employee = parser.value(empOpt).toInt();
+    const QDate start = QDate::fromString(parser.value(startOpt), Qt::ISODate);
+    const int exitAt = parser.value(exitOpt).toInt();
+    const int retries = parser.value(retriesOpt).toInt();
+    const bool count = parser.isSet(countOpt);
+
+    if (parser.isSet(editOpt)) {
+        // The register's current row names the entry, as when Edit is pressed.
+        qz2::FlexGrid registerRows;
+        registerRows.setCols(1);
+        registerRows.setRows(2);
+        registerRows.setTextMatrix(1, 0, parser.value(editOpt));
+        registerRows.setCurrentCell(1, 0);
+        qz2::setRegisterGrid(&registerRows);
+        qz2::gstrEntryMode = QStringLiteral("E");
+        qz2::frmEmployeeDailyAttendance form;
+        form.Form_Load();
+        if (!form.fnLoadEntry(parser.value(editOpt), false)) {
+            report(QStringLiteral("load-failed"));
+            return 2;
+        }
+        qz2test::applyStandardEdit(form, start);
+        const bool ok = pressOkUntilSaved(form, exitAt, count, retries);
+        qz2::setRegisterGrid(nullptr);
+        if (!ok) return 1;
+        reportSaved(employee, start);
+        return 0;
+    }
+
+    const int saves = parser.value(savesOpt).toInt();
+    for (int i = 0; i < saves; ++i) {
+        const QDate from = start.addDays(8 * i);
+        qz2::gstrEntryMode = QStringLiteral("N");
+        qz2::frmEmployeeDailyAttendance form;
+        form.Form_Load();
+        qz2test::fillForm(form, qz2test::demoScenario(employee, from));
+        if (!pressOkUntilSaved(form, exitAt, count, retries)) return 1;
+        reportSaved(employee, from);
+    }
+    return 0;
+}
