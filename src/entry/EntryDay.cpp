@@ -3,6 +3,7 @@
 // deduction check box and amount; and clearing the form for a new entry. The captions,
 // questions and type changes are the half-day rules (rules/HalfDay.h).
 
+#include <QScopedValueRollback>
 #include <QAbstractItemModel>
 #include <QAction>
 #include <QApplication>
@@ -26,19 +27,6 @@
 namespace qz2 {
 
 namespace {
-
-// Raises a flag for the life of a scope and puts back the value it had.
-class FlagScope {
-public:
-    explicit FlagScope(bool& flag) : m_flag(flag), m_was(flag) { m_flag = true; }
-    ~FlagScope() { m_flag = m_was; }
-    FlagScope(const FlagScope&) = delete;
-    FlagScope& operator=(const FlagScope&) = delete;
-
-private:
-    bool& m_flag;
-    bool m_was;
-};
 
 // Width of the day grid's "Hours" column while it is shown, as wide as the other hours.
 constexpr int kHoursColumnTwips = 1250;
@@ -166,12 +154,12 @@ bool frmEmployeeDailyAttendance::dayEventFilter(QObject* watched, QEvent* event)
 
 void frmEmployeeDailyAttendance::mfgAttendance_Click() {
     if (m_inDayClick) return;
-    const FlagScope busy(m_inDayClick);
+    const QScopedValueRollback<bool> busy(m_inDayClick, true);
     try {
         const int row = mfgAttendance->Row();
         {
             // The pairs grid is rebuilt under its current cell: nothing is left or entered.
-            const FlagScope quiet(m_inLeaveCell);
+            const QScopedValueRollback<bool> quiet(m_inLeaveCell, true);
             hidePicker(*this);
             rules::fnShowDayPairs(*mfgCheckinCheckOut->flexModel(), *mfgMirrorGrid->flexModel(),
                                   *mfgAttendance->flexModel(), row);
@@ -269,8 +257,8 @@ void frmEmployeeDailyAttendance::fnClearEntryForm() {
     for (QLineEdit* box : {txtTotalDays, txtNoPresent, txtNoLeave, txtNoAbsent}) box->clear();
     // The grids lose their rows under their current cells: no day is shown and no cell is
     // left or entered while they do.
-    const FlagScope days(m_inDayClick);
-    const FlagScope pairs(m_inLeaveCell);
+    const QScopedValueRollback<bool> days(m_inDayClick, true);
+    const QScopedValueRollback<bool> pairs(m_inLeaveCell, true);
     hidePicker(*this);
     for (FlexGrid* grid : {mfgAttendance, mfgCheckinCheckOut, mfgMirrorGrid}) grid->setRows(1);
     chkAllowanceDeductions->setChecked(false);

@@ -4,6 +4,7 @@
 // hidden mirror grid numbered and in step. The checks and the copying themselves are the
 // pair rules (rules/Pairs.h); this file moves values between the widgets and those rules.
 
+#include <QScopedValueRollback>
 #include <QAbstractItemModel>
 #include <QAction>
 #include <QApplication>
@@ -31,19 +32,6 @@ namespace qz2 {
 namespace {
 
 using Outcome = rules::PairCellCommit::Outcome;
-
-// Raises a flag for the life of a scope and puts back the value it had.
-class FlagScope {
-public:
-    explicit FlagScope(bool& flag) : m_flag(flag), m_was(flag) { m_flag = true; }
-    ~FlagScope() { m_flag = m_was; }
-    FlagScope(const FlagScope&) = delete;
-    FlagScope& operator=(const FlagScope&) = delete;
-
-private:
-    bool& m_flag;
-    bool m_was;
-};
 
 // How the last leave-cell ended. The picker's Tab and Enter and a click on the grid look at
 // it to decide whether to carry on after a failed order check. There is one user-interface
@@ -352,7 +340,7 @@ void frmEmployeeDailyAttendance::mfgCheckinCheckOut_EnterCell() {
 
 void frmEmployeeDailyAttendance::mfgCheckinCheckOut_LeaveCell(int row, int col) {
     if (m_inLeaveCell) return;
-    const FlagScope busy(m_inLeaveCell);
+    const QScopedValueRollback<bool> busy(m_inLeaveCell, true);
     lastLeaveOutcome = Outcome::NotARow;
     try {
         FlexGrid* grid = mfgCheckinCheckOut;
@@ -511,14 +499,14 @@ void frmEmployeeDailyAttendance::mnuDelete_Click() {
         if (!day) return;
         {
             // Rows vanish under the current cell: nothing is left or entered meanwhile.
-            const FlagScope quiet(m_inLeaveCell);
+            const QScopedValueRollback<bool> quiet(m_inLeaveCell, true);
             hidePicker(*this);
             if (rules::deletePair(*grid->flexModel(), *mfgMirrorGrid->flexModel(), row, *day))
                 fnClearGridSelection(grid);
         }
         fnCalculateTotalHours();
         fnCalculateTotalHoursfortheDay();
-        const FlagScope quiet(m_inLeaveCell);
+        const QScopedValueRollback<bool> quiet(m_inLeaveCell, true);
         fnClearGridSelection(grid);
     } catch (const std::exception&) {
     }
