@@ -491,3 +491,61 @@ TEST_F(DayFixture, ClearingTheFormEmptiesTotalsGridsAndClaim) {
     EXPECT_EQ(days()->TextMatrix(0, 1), QStringLiteral("Date"));
     EXPECT_TRUE(msgbox_testing::shown().isEmpty());
 }
+
+// ---- Safeguards for the clerk's work ---------------------------------------------------------
+
+TEST_F(DayFixture, TickingStraightAfterChoosingADayClaimsItsDifference) {
+    showDay(2);  // 08:30 worked against 08:00 scheduled
+    ASSERT_EQ(chk()->text(), QStringLiteral("Allowance/Deductions"));
+    QTest::mouseClick(chk(), Qt::LeftButton);
+    EXPECT_TRUE(chk()->isChecked());
+    EXPECT_EQ(chk()->text(), QStringLiteral("Allowances"));
+    EXPECT_EQ(claim(2), QStringLiteral("A"));
+    EXPECT_EQ(hours(2), QStringLiteral("00:30"));
+}
+
+TEST_F(DayFixture, AClaimedAmountTypedOverTheDifferenceSurvivesChoosingAnotherDay) {
+    showDay(2);
+    amount()->clear();
+    QTest::keyClicks(amount(), QStringLiteral("01.00"));
+    QTest::mouseClick(chk(), Qt::LeftButton);
+    ASSERT_EQ(claim(2), QStringLiteral("A"));
+    ASSERT_EQ(hours(2), QStringLiteral("01.00"));
+    showDay(3);
+    EXPECT_EQ(hours(2), QStringLiteral("01.00"));
+    EXPECT_EQ(claim(2), QStringLiteral("A"));
+    showDay(2);
+    EXPECT_EQ(amount()->text(), QStringLiteral("01.00"));
+}
+
+TEST_F(DayFixture, TheAmountTakesOnlyHoursAndMinutes) {
+    showDay(2);
+    amount()->clear();
+    QTest::keyClicks(amount(), QStringLiteral("ab1x2.3y0z9"));
+    EXPECT_EQ(amount()->text(), QStringLiteral("12.30"));
+    amount()->clear();
+    QTest::keyClicks(amount(), QStringLiteral("02:15"));
+    EXPECT_EQ(amount()->text(), QStringLiteral("02:15"));
+}
+
+TEST_F(DayFixture, EscapeNeverClosesTheFormAndDropsATimeBeingPicked) {
+    QTest::keyClick(form.get(), Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(form->result(), 0);
+
+    showDay(1);
+    clickPair(2, 3);  // the 17:00 check-out
+    ASSERT_TRUE(form->dtpCheckTime->isVisible());
+    form->dtpCheckTime->setTime(QTime(19, 45));
+    QTest::keyClick(form->dtpCheckTime, Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_FALSE(form->dtpCheckTime->isVisible());
+    clickPair(1, 2);  // leaving the cell commits nothing new
+    EXPECT_EQ(grid()->TextMatrix(2, 3), QStringLiteral("17:00"));
+    bool inMirror = false;
+    for (int r = 1; r < form->mfgMirrorGrid->Rows(); ++r)
+        if (form->mfgMirrorGrid->TextMatrix(r, 0) == dateText(kMonday) &&
+            form->mfgMirrorGrid->TextMatrix(r, 1) == QLatin1String("2"))
+            inMirror = form->mfgMirrorGrid->TextMatrix(r, 3) == QLatin1String("17:00");
+    EXPECT_TRUE(inMirror);
+}

@@ -671,3 +671,25 @@ TEST_F(EntryEditThroughRegister, AnEntryAMonthlyEntryCoversOpensForViewingOnlyAf
 }
 
 }  // namespace
+
+// A reopened entry's absent days come back ticked in the absent-day list, so Populate on
+// it keeps them absent instead of turning them present.
+TEST_F(EntryEdit, StoredAbsentDaysComeBackTickedAndSurvivePopulate) {
+    const QList<QVariantList> rows = t.rows(
+        "select d.eadAttendanceID, d.eadDate from pEmpAttendanceDetail d join pEmployeeAttendence h "
+        "on h.eaCompanyID=d.eadCompanyID and h.eaID=d.eadAttendanceID where d.eadCompanyID=1 and "
+        "d.eadType='A' and h.eaCancelled=0 and not exists (select 1 from pEmpMonthlyEntryHeader m "
+        "where m.emhEmpID=h.eaEmpID and m.emhCancelled=0) order by d.eadAttendanceID limit 1");
+    ASSERT_EQ(rows.size(), 1) << "the demo data holds an absent day";
+    const qint32 id = rows[0][0].toInt();
+    const QDate absent = QDate::fromString(rows[0][1].toString(), Qt::ISODate);
+    frmEmployeeDailyAttendance& f = load(id);
+    EXPECT_TRUE(f.fnPickedAbsentDays().contains(absent));
+    int row = 0;
+    for (int r = 1; r < f.mfgAttendance->Rows(); ++r)
+        if (f.mfgAttendance->TextMatrix(r, 1) == dateText(absent)) row = r;
+    ASSERT_GT(row, 0);
+    ASSERT_EQ(f.mfgAttendance->TextMatrix(row, 2), QStringLiteral("A"));
+    f.cmdPopulateRecords_Click();
+    EXPECT_EQ(f.mfgAttendance->TextMatrix(row, 2), QStringLiteral("A"));
+}

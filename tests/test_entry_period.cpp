@@ -407,3 +407,42 @@ TEST_F(PeriodFixture, AFailingStatementEndsTheHandlerQuietly) {
     EXPECT_TRUE(shownTexts().isEmpty());
     EXPECT_EQ(form.txtStartDate->text(), QStringLiteral("16/11/2026"));  // Anna's period stays
 }
+
+// The clerk moves the end of a new entry's period: the end text, the total and the
+// absent-day list follow, the days already ticked stay ticked, and a period reaching into
+// a year without a calendar is refused at once.
+TEST_F(PeriodFixture, ChangingTheEndByHandRefreshesThePeriod) {
+    load();
+    ASSERT_EQ(form.lstAbsentDays->count(), 29);
+    form.lstAbsentDays->item(1)->setCheckState(Qt::Checked);  // 2026/11/17
+    form.dtpEndDate->setDate(QDate(2026, 12, 20));
+    EXPECT_EQ(form.txtEndDate->text(), QStringLiteral("20/12/2026"));
+    EXPECT_EQ(form.txtTotalDays->text(), QStringLiteral("35"));
+    emit form.dtpEndDate->editingFinished();
+    ASSERT_EQ(form.lstAbsentDays->count(), 34);
+    EXPECT_EQ(form.lstAbsentDays->item(33)->text(), QStringLiteral("2026/12/20"));
+    EXPECT_EQ(form.fnPickedAbsentDays(), QList<QDate>({QDate(2026, 11, 17)}));
+    EXPECT_TRUE(shownTexts().isEmpty());
+
+    t.exec("delete from pCalenderHeader where financialid=2027");
+    form.dtpEndDate->setDate(QDate(2027, 1, 10));
+    emit form.dtpEndDate->editingFinished();
+    EXPECT_EQ(shownTexts(),
+              QStringList({"Calender Settings not Found for Production for the year - 2027"}));
+    EXPECT_FALSE(form.cmdPopulateRecords->isEnabled());
+}
+
+// Populate on an employee who joins after the period ends has no day to lay out.
+TEST_F(PeriodFixture, PopulateForAnEmployeeWhoJoinsAfterThePeriodSaysSo) {
+    load();
+    employee(3, "Cleo Carter", 1, "2027-02-01");
+    t.exec("update pEmployee set eDateofjoin='2027-02-01' where eEmpID=1");
+    choose(2);
+    choose(1);  // Anna again, now joining in February
+    msgbox_testing::clear();
+    form.txtStartDate->setText(QStringLiteral("16/11/2026"));
+    form.dtpEndDate->setDate(QDate(2026, 12, 15));
+    form.cmdPopulateRecords_Click();
+    EXPECT_EQ(shownTexts(), QStringList({"End Date Should be Greater than Start Date"}));
+    EXPECT_EQ(form.mfgAttendance->Rows(), 1);
+}

@@ -285,3 +285,22 @@ TEST(FindTheAdditionalWorkingHours, ReadsTheDefaultTimeTextToo) {
     fnFindtheAdditionalWorkingHours(day);
     EXPECT_EQ(day.TextMatrix(1, 5), "02:00");
 }
+
+// A claimed day keeps the amount claimed (typed over the difference or stored with the
+// entry); only unclaimed days follow their schedule and worked hours.
+TEST(FindtheAdditionalWorkingHours, ClaimedDaysKeepTheirAmount) {
+    qz2::FlexGridModel days;
+    days.setCols(7);
+    days.setRows(4);
+    const char* claims[] = {"A", "D", ""};
+    for (int r = 1; r <= 3; ++r) {
+        days.setTextMatrix(r, 3, QStringLiteral("09:00"));
+        days.setTextMatrix(r, 4, QStringLiteral("08:00"));
+        days.setTextMatrix(r, 5, QStringLiteral("01.30"));
+        days.setTextMatrix(r, 6, QString::fromLatin1(claims[r - 1]));
+    }
+    qz2::rules::fnFindtheAdditionalWorkingHours(days);
+    EXPECT_EQ(days.TextMatrix(1, 5), QStringLiteral("01.30"));
+    EXPECT_EQ(days.TextMatrix(2, 5), QStringLiteral("01.30"));
+    EXPECT_EQ(days.TextMatrix(3, 5), QStringLiteral("01:00"));
+}

@@ -131,13 +131,50 @@ TEST(AddPairToMirrorGrid, AppendsOnlyAnAbsentPair) {
                                                {"02/03/2026", "2", "14:00", "18:00"}}));
 }
 
-TEST(AddPairToMirrorGrid, AMirrorWithoutDataRowsIsNotSeededHere) {
+// A period laid out without any scheduled pair still keeps the pairs the clerk types.
+TEST(AddPairToMirrorGrid, AnEmptyMirrorTakesTheFirstPair) {
     FlexGridModel m, pairs;
     makePairGrid(m);
     makePairGrid(pairs);
     pairs.AddItem({"02/03/2026", "1", "09:00", "13:00"});
-    EXPECT_FALSE(fnAddPairToMirrorGrid(m, pairs, mar(2), 1, 1));
-    EXPECT_EQ(m.Rows(), 1);
+    EXPECT_TRUE(fnAddPairToMirrorGrid(m, pairs, mar(2), 1, 1));
+    ASSERT_EQ(m.Rows(), 2);
+    EXPECT_EQ(m.TextMatrix(1, 0), QStringLiteral("02/03/2026"));
+    EXPECT_EQ(m.TextMatrix(1, 1), QStringLiteral("1"));
+    EXPECT_EQ(m.TextMatrix(1, 2), QStringLiteral("09:00"));
+    EXPECT_EQ(m.TextMatrix(1, 3), QStringLiteral("13:00"));
+    EXPECT_FALSE(fnAddPairToMirrorGrid(m, pairs, mar(2), 1, 1));  // once only
+}
+
+// A check-out refused by the order check and then made valid by correcting the check-in:
+// the mirror ends with the pair the grid shows, whichever cell was left last.
+TEST(CommitPairCell, APairCorrectedFromItsCheckInReachesTheMirrorWhole) {
+    FlexGridModel m, pairs;
+    makePairGrid(m);
+    makePairGrid(pairs);
+    m.AddItem({"02/03/2026", "1", "09:00", "13:00"});
+    pairs.AddItem({"02/03/2026", "1", "09:00", "13:00"});
+    pairs.AddItem({"02/03/2026", "2", "14:00", ""});
+    // 12:00 as check-out of the new pair is refused (before its check-in).
+    EXPECT_EQ(fnCommitPairCell(pairs, m, 2, 3, QTime(12, 0)).outcome,
+              PairCellCommit::Outcome::CheckOutBeforeCheckIn);
+    EXPECT_EQ(m.Rows(), 2);
+    // The clerk moves the check-in back to 11:00: the row is in order and complete.
+    EXPECT_EQ(fnCommitPairCell(pairs, m, 2, 2, QTime(11, 0)).outcome,
+              PairCellCommit::Outcome::BeforePreviousCheckOut);  // 11:00 < 13:00 above
+    ASSERT_EQ(m.Rows(), 3);
+    EXPECT_EQ(m.TextMatrix(2, 2), QStringLiteral("11:00"));
+    EXPECT_EQ(m.TextMatrix(2, 3), QStringLiteral("12:00"));
+    // And a scheduled pair whose check-out was refused and then fixed from the check-in
+    // carries both corrected times.
+    pairs.setTextMatrix(1, 3, QStringLiteral("08:00"));  // refused: before 09:00
+    EXPECT_EQ(fnCommitPairCell(pairs, m, 1, 3, QTime(8, 0)).outcome,
+              PairCellCommit::Outcome::CheckOutBeforeCheckIn);
+    EXPECT_EQ(m.TextMatrix(1, 3), QStringLiteral("13:00"));
+    EXPECT_EQ(fnCommitPairCell(pairs, m, 1, 2, QTime(7, 30)).outcome,
+              PairCellCommit::Outcome::Committed);
+    EXPECT_EQ(m.TextMatrix(1, 2), QStringLiteral("07:30"));
+    EXPECT_EQ(m.TextMatrix(1, 3), QStringLiteral("08:00"));
 }
 
 TEST(ReplaceMirrorRowsForDate, TheDatesRowsBecomeThePairsGridsRows) {

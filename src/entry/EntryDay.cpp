@@ -228,8 +228,16 @@ void frmEmployeeDailyAttendance::chkAllowanceDeductions_Click() {
     try {
         // A time still held in the picker is committed first and the hours recomputed. A
         // hidden picker has nothing left to commit: leaving its cell already did.
-        if (!dtpCheckTime->isHidden())
+        if (!dtpCheckTime->isHidden()) {
             mfgCheckinCheckOut_LeaveCell(mfgCheckinCheckOut->Row(), mfgCheckinCheckOut->Col());
+        } else if (mfgCheckinCheckOut->Rows() > 1) {
+            // Ticked straight after choosing a day: the caption must name the day's
+            // difference before anything is claimed. An amount already typed is kept.
+            const QString typed = txtAllowanceDeductions->text();
+            const QSignalBlocker quiet(txtAllowanceDeductions);
+            fnCalculateTotalHoursfortheDay();
+            if (!typed.trimmed().isEmpty()) txtAllowanceDeductions->setText(typed);
+        }
         claimTheDifference(*this);
         // With no difference there is nothing to claim.
         if (chkAllowanceDeductions->text() == rules::kCaptionNeutral)
@@ -262,6 +270,7 @@ void frmEmployeeDailyAttendance::fnClearEntryForm() {
     hidePicker(*this);
     for (FlexGrid* grid : {mfgAttendance, mfgCheckinCheckOut, mfgMirrorGrid}) grid->setRows(1);
     chkAllowanceDeductions->setChecked(false);
+    chkAllowanceDeductions->setText(rules::kCaptionNeutral);
     txtAllowanceDeductions->clear();
     for (FlexGrid* grid : {mfgAttendance, mfgCheckinCheckOut, mfgMirrorGrid})
         fnClearGridSelection(grid);

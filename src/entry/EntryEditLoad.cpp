@@ -3,6 +3,8 @@
 // and the allowance and deduction claims back into the day rows. An entry that a monthly
 // entry covers, or a cancelled one, opens for viewing only.
 
+#include <QListWidget>
+#include <QSet>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QGroupBox>
@@ -127,6 +129,17 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
             }
         }
         fnRenumbertheGridForEachDate();
+
+        // The stored absent days are the clerk's earlier picks: ticked again, so that
+        // Populate on the opened entry keeps them absent instead of turning them present.
+        QSet<QString> absent;
+        for (int row = 1; row < mfgAttendance->Rows(); ++row)
+            if (mfgAttendance->TextMatrix(row, colType).trimmed() == QLatin1String("A"))
+                if (const auto day = parseDmy(mfgAttendance->TextMatrix(row, colDate)))
+                    absent.insert(TimeValue::fromDate(*day).format(u"yyyy/mm/dd"));
+        for (int i = 0; i < lstAbsentDays->count(); ++i)
+            if (absent.contains(lstAbsentDays->item(i)->text()))
+                lstAbsentDays->item(i)->setCheckState(Qt::Checked);
 
         lngAttendanceID = id.trimmed().toInt();
     } catch (const std::exception&) {

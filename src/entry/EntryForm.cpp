@@ -2,6 +2,7 @@
 // set-up of its three grids.
 
 #include <QAction>
+#include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
@@ -16,6 +17,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
+#include <QRegularExpressionValidator>
 #include <QSplitter>
 #include <QTimeEdit>
 #include <QVBoxLayout>
@@ -88,7 +90,7 @@ void frmEmployeeDailyAttendance::buildControls() {
     cboEmpname->setMinimumContentsLength(24);
     cboEmpname->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     lblEmpname = named(buddyLabel(tr("&Employee:"), cboEmpname, top), "lblEmpname");
-    cmdEmployee = button(top, "cmdEmployee", tr("Entry &status..."));
+    cmdEmployee = button(top, "cmdEmployee", tr("&Find employee..."));
     cmdEmployee->setToolTip(
         tr("Choose the employee from the list that shows who can still be processed"));
     txtAttNo = readOnlyBox(top, "txtAttNo", 10);
@@ -122,6 +124,9 @@ void frmEmployeeDailyAttendance::buildControls() {
     chkAllowanceDeductions =
         named(new QCheckBox(tr("Allowance/Deductions"), mid), "chkAllowanceDeductions");
     txtAllowanceDeductions = named(new QLineEdit(mid), "txtAllowanceDeductions");
+    // Hours and minutes as "hh.mm" (or "hh:mm"): anything else could never be saved.
+    txtAllowanceDeductions->setValidator(new QRegularExpressionValidator(
+        QRegularExpression(QStringLiteral("^\\d{0,2}([.:]\\d{0,2})?$")), txtAllowanceDeductions));
     txtAllowanceDeductions->setMaximumWidth(
         txtAllowanceDeductions->fontMetrics().horizontalAdvance(QStringLiteral("00000.00")) + 16);
     txtNoPresent = readOnlyBox(mid, "txtNoPresent", 5);
@@ -313,6 +318,27 @@ bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
         }
     }
     return QDialog::eventFilter(watched, event);
+}
+
+void frmEmployeeDailyAttendance::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape) {
+        // A period's keyed work is thrown away only by Cancel or the window's close button,
+        // never by a stray Escape. Escape over the time picker puts the cell's own time back
+        // in it and closes it, so that nothing new is committed when the cell is left.
+        if (dtpCheckTime->isVisible()) {
+            const int row = mfgCheckinCheckOut->Row();
+            const int col = mfgCheckinCheckOut->Col();
+            const std::optional<TimeValue> time =
+                row > 0 ? parseTime(mfgCheckinCheckOut->TextMatrix(row, col)) : std::nullopt;
+            dtpCheckTime->setTime(time ? time->timeOfDay() : QTime(0, 0));
+            if (dtpCheckTime->hasFocus() || dtpCheckTime->isAncestorOf(QApplication::focusWidget()))
+                mfgCheckinCheckOut->setFocus();
+            dtpCheckTime->setVisible(false);
+        }
+        event->accept();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void frmEmployeeDailyAttendance::showEvent(QShowEvent* event) {

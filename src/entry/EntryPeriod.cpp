@@ -41,15 +41,24 @@ void frmEmployeeDailyAttendance::cboEmpname_Click() {
         // Another employee may have another department and so other schedules.
         m_cache.clear();
         GetDeptID();
-        fnClearGrids();
+        // Nothing of the previous employee may stay on the form: days, pairs, counts, claim.
+        // The period stays until a new one is proposed (a failed proposal keeps it).
+        const QString totalDays = txtTotalDays->text();
+        fnClearEntryForm();
+        txtTotalDays->setText(totalDays);
         // The listed days belong to the previous employee's period; the new period (or the
         // entry being edited) lists its own.
         lstAbsentDays->clear();
         if (isNewMode() && fnProposePeriod() && !txtStartDate->text().trimmed().isEmpty())
             fnShowTotalDays();
+        // The newest work-time setting; a stored entry then puts its own in its place.
         fnCheckWorkTimeSettings();
     } catch (const std::exception&) {
-        // Trapped: the form keeps what it had when the statement failed.
+        // Trapped. The previous employee's days must not stay under the new one.
+        const QString totalDays = txtTotalDays->text();
+        fnClearEntryForm();
+        txtTotalDays->setText(totalDays);
+        lstAbsentDays->clear();
     }
 }
 

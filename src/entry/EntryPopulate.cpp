@@ -8,6 +8,7 @@
 // grids' models.
 
 #include <QComboBox>
+#include <QCheckBox>
 #include <QDateEdit>
 #include <QLineEdit>
 #include <QListWidget>
@@ -17,6 +18,7 @@
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "rules/DayTypes.h"
+#include "rules/Hours.h"
 #include "rules/Population.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -48,6 +50,36 @@ std::optional<QDate> dateFromDb(const QVariant& v) {
 void frmEmployeeDailyAttendance::connectPopulateEvents() {
     connect(cmdPopulateRecords, &QPushButton::clicked, this,
             [this] { cmdPopulateRecords_Click(); });
+    connect(txtStartDate, &QLineEdit::editingFinished, this, [this] { fnPeriodChanged(); });
+    connect(dtpEndDate, &QDateEdit::editingFinished, this, [this] { fnPeriodChanged(); });
+    // The end text and the total follow every step of the end date at once.
+    connect(dtpEndDate, &QDateEdit::dateChanged, this, [this] {
+        if (!isLoaded() || !isNewMode()) return;
+        txtEndDate->setText(dateText(dtpEndDate->date()));
+        fnShowTotalDays();
+    });
+}
+
+void frmEmployeeDailyAttendance::fnPeriodChanged() {
+    // Only the clerk's own change of a new entry's period; the proposal sets both itself.
+    if (!isLoaded() || m_inEmployeeClick || !isNewMode()) return;
+    try {
+        const std::optional<QDate> start = parseDmy(txtStartDate->text().trimmed());
+        if (!start) return;
+        const QDate end = dtpEndDate->date();
+        txtEndDate->setText(dateText(end));
+        fnShowTotalDays();
+        if (*start > end || cboEmpname->currentIndex() < 0) return;  // Populate says why
+        const QList<QDate> picked = fnPickedAbsentDays();
+        if (!FnCheckCalendarSettingsNotEntered()) return;
+        fnPopoulateList(*start, end);
+        for (int i = 0; i < lstAbsentDays->count(); ++i) {
+            QListWidgetItem* item = lstAbsentDays->item(i);
+            if (picked.contains(item->data(Qt::UserRole).toDate())) item->setCheckState(Qt::Checked);
+        }
+    } catch (const std::exception&) {
+        // Trapped: the period stays as typed; Populate checks it again.
+    }
 }
 
 void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
@@ -63,6 +95,10 @@ void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
             return;
         }
 
+        // Each Populate reads holidays and leaves afresh: one approved meanwhile counts. The
+        // schedule statements are asked again once each and then serve every day.
+        m_cache.clear();
+
         if (!isNewMode()) {
             // The stored pairs stay as they are; only the picks and the holidays change.
             fnMarkAbsentDays();
@@ -77,11 +113,20 @@ void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
         }
         lngEmployeeID = cboEmpname->currentData().toInt();
 
+        // Days before the employee joined never get rows; one who joins after the period
+        // (or whose date of join is the suite's "missing" value) has no day in it at all.
+        start = rules::effectiveStart(start, dtDateOfJoin.value_or(QDate()));
+        if (start > end) {
+            MsgBox(QStringLiteral("End Date Should be Greater than Start Date"));
+            return;
+        }
+
         fnSetUpAttendanceGrid();
         fnSetUpCheckGrid();
-
-        // Days before the employee joined never get rows.
-        start = rules::effectiveStart(start, dtDateOfJoin.value_or(QDate()));
+        // The claim box described the day shown before; no day is shown now.
+        chkAllowanceDeductions->setChecked(false);
+        chkAllowanceDeductions->setText(rules::kCaptionNeutral);
+        txtAllowanceDeductions->clear();
 
         fnBuildDayRows(start, end);
         fnMarkAbsentDays();

@@ -131,6 +131,9 @@ public:
     // Populate: New mode lays out the whole period; Edit mode re-applies absent days and
     // holidays and recounts.
     void cmdPopulateRecords_Click();
+    // The clerk changed the period of a new entry by hand: the end text, the total days,
+    // the calendar check and the absent-day list follow it (ticked days stay ticked).
+    void fnPeriodChanged();
     void fnBuildDayRows(QDate start, QDate end);
     void fnLayOutScheduledPairs(QDate start, QDate end);
     void fnRemoveMirrorRowsOfDate(QDate date);
@@ -233,6 +236,8 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    // Escape abandons a time being picked and never closes the form.
+    void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:

@@ -116,7 +116,10 @@ void frmEmployeesAttendanceEntryStatus::mfgEmployee_Click(int row, int col) {
     if (mfgEmployee->Rows() <= 1 || row < 1 || row >= mfgEmployee->Rows()) return;
     if (mfgEmployee->cellBackColor(row, col) == blockedColor()) return;
     m_chosen = mfgEmployee->TextMatrix(row, 0).toInt();
-    // The shared helper takes the employee as a 16-bit number, as the suite's helper did.
+    // The shared helper takes the employee as a 16-bit number, as the suite's helper did; a
+    // number beyond that range cannot be passed, and the picker then stays open rather than
+    // leave the clerk keying for the employee selected before.
+    if (m_chosen < -32768 || m_chosen > 32767) return;
     qint16 employee = static_cast<qint16>(m_chosen);
     if (m_db && m_employeeBox) m_db->SelectComboItem(m_employeeBox, employee);
     accept();

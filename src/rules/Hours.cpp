@@ -92,6 +92,11 @@ void fnFindtheAdditionalWorkingHours(FlexGridModel& dayGrid) {
         const QString scheduleText = dayGrid.TextMatrix(r, daycol::ScheduleHours);
         const QString workedText = dayGrid.TextMatrix(r, daycol::WorkedHours);
         if (scheduleText.isEmpty() || workedText.isEmpty()) continue;
+        // A claimed day's Hours are the amount the clerk claimed (possibly typed over the
+        // difference, or stored with the entry): recomputing them here would silently change
+        // what is paid. The day's own time edits still update its claim through the amount box.
+        const QString claim = dayGrid.TextMatrix(r, daycol::AllowanceType).trimmed();
+        if (claim == QLatin1String("A") || claim == QLatin1String("D")) continue;
         const auto schedule = parseTimeValue(scheduleText);
         const auto worked = parseTimeValue(workedText);
         if (!schedule || !worked) continue;

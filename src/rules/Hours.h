@@ -46,7 +46,7 @@ DayDifference fnCalculateTotalHoursfortheDay(const FlexGridModel& pairs, QDate d
                                              int graceMinutes);
 
 // "Hours" ("HH:mm") = Schedule Hours - Worked Hours of every day row that has both; rows
-// missing either keep their Hours.
+// missing either, and claimed rows (AllowanceType "A" or "D"), keep their Hours.
 void fnFindtheAdditionalWorkingHours(FlexGridModel& dayGrid);
 
 }  // namespace qz2::rules

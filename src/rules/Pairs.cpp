@@ -53,7 +53,8 @@ void fnUpdateMirrorTime(FlexGridModel& mirror, QDate date, int slNo, TimeValue t
 
 bool fnAddPairToMirrorGrid(FlexGridModel& mirror, const FlexGridModel& pairs, QDate date, int slNo,
                            int pairsRow) {
-    if (mirror.Rows() < 2) return false;
+    // An empty mirror takes the pair too: a period laid out without any scheduled pair
+    // (or an entry stored without times) must still keep the times the clerk types.
     for (int r = 1; r < mirror.Rows(); ++r) {
         if (sameDay(mirror.TextMatrix(r, paircol::Date), date) &&
             val(mirror.TextMatrix(r, paircol::SlNo)) == slNo)
@@ -112,16 +113,23 @@ PairCellCommit fnCommitPairCell(FlexGridModel& pairs, FlexGridModel& mirror, int
     const auto date = cellDate(cell(row, paircol::Date));
     const int slNo = static_cast<int>(val(cell(row, paircol::SlNo)));
     if (date && (col == paircol::CheckIn || col == paircol::CheckOut)) {
-        // An empty cell has no time to copy; the mirror keeps what it had.
-        if (const auto time = cellTime(cell(row, col)))
-            fnUpdateMirrorTime(mirror, *date, slNo, *time,
-                               col == paircol::CheckIn ? TimeKind::CheckIn : TimeKind::CheckOut);
+        // The row is in order now, so both of its times go to the mirror: a time refused
+        // earlier by the order check and corrected from the other cell must not stay
+        // behind, or the grid would show one pair and the save store another. An empty
+        // cell has no time to copy; the mirror keeps what it had.
+        for (const int c : {paircol::CheckIn, paircol::CheckOut}) {
+            if (const auto time = cellTime(cell(row, c)))
+                fnUpdateMirrorTime(mirror, *date, slNo, *time,
+                                   c == paircol::CheckIn ? TimeKind::CheckIn : TimeKind::CheckOut);
+        }
     }
 
     // A check-out without a check-in is not kept.
     if (cell(row, paircol::CheckIn).isEmpty()) pairs.setTextMatrix(row, paircol::CheckOut, {});
 
-    if (pairs.Rows() > 1 && col == paircol::CheckOut && date &&
+    // A completed pair joins the mirror, whichever of its cells was finished last (a pair
+    // completed by correcting its check-in is as complete as one completed at check-out).
+    if (pairs.Rows() > 1 && (col == paircol::CheckIn || col == paircol::CheckOut) && date &&
         !blank(cell(row, paircol::CheckIn)) && !blank(cell(row, paircol::CheckOut)))
         fnAddPairToMirrorGrid(mirror, pairs, *date, slNo, row);
 

@@ -38,7 +38,7 @@ void fnRemoveRowsFromMirrorGridOnEdit(FlexGridModel& mirror, QDate date,
 void fnUpdateMirrorTime(FlexGridModel& mirror, QDate date, int slNo, TimeValue time, TimeKind kind);
 
 // Appends the pairs grid's row as a mirror row when the mirror has no row of that date and
-// serial number yet. Does nothing on a mirror without data rows (population seeds it).
+// serial number yet, an empty mirror included.
 // Returns whether a row was appended.
 bool fnAddPairToMirrorGrid(FlexGridModel& mirror, const FlexGridModel& pairs, QDate date, int slNo,
                            int pairsRow);
