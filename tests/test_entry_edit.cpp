@@ -454,8 +454,10 @@ TEST_F(EntryEdit, AnEditOfAnEntryThatIsNotTheHighestIsRekeyedAndKeepsItsNumber) 
     EXPECT_EQ(ran.last(),
               sql::refreshQuery(gstrMasterQuery,
                                 QStringLiteral("eaID=%1 and eacompanyid=1").arg(highest + 1)));
-    if (FlexGrid* grid = registerGrid(); grid && grid->Row() > 0)
-        EXPECT_EQ(grid->TextMatrix(grid->Row(), 0), QString::number(highest + 1));
+    FlexGrid* grid = registerGrid();
+    ASSERT_NE(grid, nullptr);
+    ASSERT_GT(grid->Row(), 0);
+    EXPECT_EQ(grid->TextMatrix(grid->Row(), 0), QString::number(highest + 1));
 }
 
 TEST_F(EntryEdit, EveryStoredEntryLoadedAndSavedUnchangedLosesNothing) {
