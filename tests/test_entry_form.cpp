@@ -263,6 +263,13 @@ TEST_F(FormFixture, WithNoActiveEmployeeTheBoxStaysEmptyAndNobodyIsSelected) {
     EXPECT_EQ(form.dtpEndDate->date(), QDate(2026, 11, 22));
     EXPECT_EQ(form.txtTotalDays->text(), QStringLiteral("2"));
     EXPECT_TRUE(msgbox_testing::shown().isEmpty());
+    // Saving then reports that no employee is chosen, and writes nothing.
+    const QVariant headers = t.scalar("select count(*) from pEmployeeAttendence");
+    form.cmdOK_Click();
+    ASSERT_EQ(msgbox_testing::shown().size(), 1);
+    EXPECT_EQ(msgbox_testing::shown().first().text, QStringLiteral("Select Employee"));
+    EXPECT_FALSE(form.saved());
+    EXPECT_EQ(t.scalar("select count(*) from pEmployeeAttendence"), headers);
 }
 
 TEST_F(FormFixture, TotalDaysCountBothEndsOfASingleDay) {
