@@ -16,9 +16,6 @@
 #include "db/Database.h"
 #include "db/Dialect.h"
 
-void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 
 using qz2::db::Dialect;
 using qz2test::expectTsql;

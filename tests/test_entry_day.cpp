@@ -30,12 +30,6 @@
 using namespace qz2;
 using qz2test::TestDb;
 
-QT_BEGIN_NAMESPACE
-inline void PrintTo(const QString& text, std::ostream* os) {
-    *os << '"' << text.toStdString() << '"';
-}
-QT_END_NAMESPACE
-
 namespace {
 
 // Monday 2 November 2026 to Sunday 8 November: four present days, a half-day leave on

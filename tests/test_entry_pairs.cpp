@@ -33,12 +33,6 @@ using namespace qz2;
 using qz2test::TestDb;
 
 // Readable failures for texts and lists of texts.
-QT_BEGIN_NAMESPACE
-inline void PrintTo(const QString& text, std::ostream* os) {
-    *os << '"' << text.toStdString() << '"';
-}
-QT_END_NAMESPACE
-
 namespace {
 
 // Monday 2 November 2026; the week's working days are rows 1..5 of the day grid.

@@ -33,12 +33,6 @@
 using namespace qz2;
 using qz2test::TestDb;
 
-QT_BEGIN_NAMESPACE
-inline void PrintTo(const QString& text, std::ostream* os) {
-    *os << '"' << text.toStdString() << '"';
-}
-QT_END_NAMESPACE
-
 namespace {
 
 // Runs `action` on the popup menu as soon as one is open, for up to two seconds or until

@@ -31,12 +31,6 @@
 #include "shared/MsgBox.h"
 #include "shared/SharedServices.h"
 
-QT_BEGIN_NAMESPACE
-inline void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
-QT_END_NAMESPACE
-
 using namespace qz2;
 using qz2test::TestDb;
 
@@ -44,29 +38,7 @@ namespace {
 
 const QDate kStart(2026, 11, 2);  // a Monday
 
-// Rows of a query as "a|b|c" lines; NULL reads "NULL", reals are written in full.
-QStringList table(const TestDb& t, const QString& sql) {
-    QStringList out;
-    QSqlQuery q(t.db);
-    if (!q.exec(sql)) {
-        ADD_FAILURE() << sql.toStdString();
-        return out;
-    }
-    while (q.next()) {
-        QStringList cells;
-        for (int i = 0; i < q.record().count(); ++i) {
-            const QVariant v = q.value(i);
-            if (v.isNull())
-                cells << QStringLiteral("NULL");
-            else if (v.typeId() == QMetaType::Double)
-                cells << QString::number(v.toDouble(), 'g', 17);
-            else
-                cells << v.toString();
-        }
-        out << cells.join(QLatin1Char('|'));
-    }
-    return out;
-}
+using qz2test::table;
 
 QString hoursOf(int minutes) {
     return QString::number(minutes / 60 + (minutes % 60) / 60.0, 'g', 17);

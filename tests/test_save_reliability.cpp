@@ -30,12 +30,6 @@
 #include "shared/MsgBox.h"
 #include "shared/SharedServices.h"
 
-QT_BEGIN_NAMESPACE
-inline void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
-QT_END_NAMESPACE
-
 using namespace qz2;
 using qz2test::TestDb;
 

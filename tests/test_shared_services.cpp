@@ -25,11 +25,6 @@
 #include "shared/MsgBox.h"
 #include "shared/SharedServices.h"
 
-// Readable failure messages.
-QT_BEGIN_NAMESPACE
-inline void PrintTo(const QString& s, std::ostream* os) { *os << '"' << s.toStdString() << '"'; }
-QT_END_NAMESPACE
-
 namespace {
 
 using qz2test::TestDb;

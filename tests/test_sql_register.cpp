@@ -16,9 +16,6 @@
 #include "register/RegisterSql.h"
 #include "shared/BasAttendence.h"
 
-void PrintTo(const QString& s, std::ostream* os) {
-    *os << '"' << s.toStdString() << '"';
-}
 void PrintTo(const QStringList& l, std::ostream* os) {
     *os << "[\"" << l.join(QStringLiteral("\", \"")).toStdString() << "\"]";
 }

@@ -126,6 +126,29 @@ QString TestDb::dump() const {
     return out;
 }
 
+QStringList table(const TestDb& t, const QString& sql) {
+    QStringList out;
+    QSqlQuery q(t.db);
+    if (!q.exec(sql)) {
+        ADD_FAILURE() << sql.toStdString();
+        return out;
+    }
+    while (q.next()) {
+        QStringList cells;
+        for (int i = 0; i < q.record().count(); ++i) {
+            const QVariant v = q.value(i);
+            if (v.isNull())
+                cells << QStringLiteral("NULL");
+            else if (v.typeId() == QMetaType::Double)
+                cells << QString::number(v.toDouble(), 'g', 17);
+            else
+                cells << v.toString();
+        }
+        out << cells.join(QLatin1Char('|'));
+    }
+    return out;
+}
+
 void whenModal(std::function<void(QWidget*)> action, int timeoutMs) {
     auto* timer = new QTimer(qApp);
     auto* clock = new QElapsedTimer;

@@ -10,6 +10,14 @@
 #include <QStringList>
 #include <QVariant>
 #include <functional>
+#include <ostream>
+
+// Test failures print QStrings as their text.
+QT_BEGIN_NAMESPACE
+inline void PrintTo(const QString& text, std::ostream* os) {
+    *os << '"' << text.toStdString() << '"';
+}
+QT_END_NAMESPACE
 
 namespace qz2test {
 
@@ -39,6 +47,9 @@ public:
 private:
     QString m_name;
 };
+
+// Rows of a query as "a|b|c" lines; NULL reads "NULL", reals are written in full.
+QStringList table(const TestDb& t, const QString& sql);
 
 // Runs `action` on the first modal widget that appears (a message box or a dialog) once
 // it is shown; waits up to `timeoutMs`. Use before the call that opens it.
