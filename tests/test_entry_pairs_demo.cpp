@@ -35,35 +35,7 @@ using qz2test::TestDb;
 
 namespace {
 
-// Runs `action` on the popup menu as soon as one is open, for up to two seconds or until
-// the watch goes out of scope.
-class PopupWatch {
-public:
-    explicit PopupWatch(std::function<void(QMenu*)> action) : m_timer(new QTimer(qApp)) {
-        m_clock.start();
-        m_timer->setInterval(10);
-        QObject::connect(m_timer, &QTimer::timeout, [this, action] {
-            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-            if (menu && menu->isVisible()) {
-                m_timer->stop();
-                m_seen = true;
-                action(menu);
-            } else if (m_clock.elapsed() > 2000) {
-                m_timer->stop();
-            }
-        });
-        m_timer->start();
-    }
-    ~PopupWatch() { delete m_timer; }
-    PopupWatch(const PopupWatch&) = delete;
-    PopupWatch& operator=(const PopupWatch&) = delete;
-    bool seen() const { return m_seen; }
-
-private:
-    QTimer* m_timer;
-    QElapsedTimer m_clock;
-    bool m_seen = false;
-};
+using qz2test::PopupWatch;
 
 struct DemoFixture : ::testing::Test {
     void SetUp() override {

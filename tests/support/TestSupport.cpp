@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QMenu>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
@@ -148,6 +149,24 @@ QStringList table(const TestDb& t, const QString& sql) {
     }
     return out;
 }
+
+PopupWatch::PopupWatch(std::function<void(QMenu*)> action) : m_timer(new QTimer(qApp)) {
+    m_clock.start();
+    m_timer->setInterval(10);
+    QObject::connect(m_timer, &QTimer::timeout, [this, action] {
+        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+        if (menu && menu->isVisible()) {
+            m_timer->stop();
+            m_seen = true;
+            action(menu);
+        } else if (m_clock.elapsed() > 2000) {
+            m_timer->stop();
+        }
+    });
+    m_timer->start();
+}
+
+PopupWatch::~PopupWatch() { delete m_timer; }
 
 void whenModal(std::function<void(QWidget*)> action, int timeoutMs) {
     auto* timer = new QTimer(qApp);

@@ -4,6 +4,7 @@
 // modal boxes and dialogs the way a clerk would.
 
 #include <QDate>
+#include <QElapsedTimer>
 #include <QMessageBox>
 #include <QSqlDatabase>
 #include <QString>
@@ -18,6 +19,9 @@ inline void PrintTo(const QString& text, std::ostream* os) {
     *os << '"' << text.toStdString() << '"';
 }
 QT_END_NAMESPACE
+
+class QMenu;
+class QTimer;
 
 namespace qz2test {
 
@@ -50,6 +54,23 @@ private:
 
 // Rows of a query as "a|b|c" lines; NULL reads "NULL", reals are written in full.
 QStringList table(const TestDb& t, const QString& sql);
+
+// Runs `action` on the popup menu as soon as one is open, for up to two seconds or until
+// the watch goes out of scope, so that a watch that saw nothing cannot catch the popup of a
+// later test.
+class PopupWatch {
+public:
+    explicit PopupWatch(std::function<void(QMenu*)> action);
+    ~PopupWatch();
+    PopupWatch(const PopupWatch&) = delete;
+    PopupWatch& operator=(const PopupWatch&) = delete;
+    bool seen() const { return m_seen; }
+
+private:
+    QTimer* m_timer;
+    QElapsedTimer m_clock;
+    bool m_seen = false;
+};
 
 // Runs `action` on the first modal widget that appears (a message box or a dialog) once
 // it is shown; waits up to `timeoutMs`. Use before the call that opens it.
