@@ -113,6 +113,9 @@ qint64 statementCount();
 using FaultHook = std::function<QString(const QString& sql)>;
 void setFaultHook(FaultHook hook);
 
+// A bit column read back: 0/1 from SQLite, a Boolean through ODBC; NULL counts as off.
+inline bool isOn(const QVariant& v) { return !v.isNull() && v.toBool(); }
+
 // Runs a script of statements separated by ";" at line ends (the schema files).
 void executeScript(const QSqlDatabase& db, const QString& script);
 

@@ -24,6 +24,7 @@
 #include <exception>
 
 #include "commonmodule/CommonModule.h"
+#include "db/Database.h"
 #include "entry/DateTextValidator.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
@@ -361,8 +362,7 @@ void frmEmployeeDailyAttendance::Form_Load() {
         m_db->strTableName = QStringLiteral("pSettings");
         intGraceTime =
             static_cast<qint16>(m_db->fnReturnField(QStringLiteral("gracetime")).toInt());
-        blnConsiderLeaveHolidays =
-            m_db->fnReturnField(QStringLiteral("ConsiderLeaveHolidays")).toBool();
+        blnConsiderLeaveHolidays = db::isOn(m_db->fnReturnField(QStringLiteral("ConsiderLeaveHolidays")));
         if (isNewMode()) {
             txtAttdate->setText(dateText(gdtProcessDate));
             txtStartDate->setText(dateText(gdtProcessDate));

@@ -20,11 +20,6 @@
 namespace qz2 {
 
 namespace {
-// A bit column: 0/1 on SQLite, a Boolean through ODBC; NULL counts as off.
-bool isOn(const QVariant& v) {
-    return !v.isNull() && v.toBool();
-}
-
 void tell(const QString& text) {
     MsgBox(text, MsgButtons::Ok, MsgIcon::Information);
 }
@@ -71,8 +66,8 @@ bool frmEmployeeDailyAttendance::GetDeptID() {
         const db::Recordset rs =
             db::openRecordset(gadocon, entry::sql::departmentSwitchesQuery(gintCompanyID));
         if (!rs.eof()) {
-            calendarByDepartment = isOn(rs.field(QStringLiteral("calendardepwise")));
-            workTimeByDepartment = isOn(rs.field(QStringLiteral("cwtsdepwise")));
+            calendarByDepartment = db::isOn(rs.field(QStringLiteral("calendardepwise")));
+            workTimeByDepartment = db::isOn(rs.field(QStringLiteral("cwtsdepwise")));
         }
     }
     const db::Recordset rs = db::openRecordset(

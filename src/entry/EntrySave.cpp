@@ -30,19 +30,6 @@ namespace {
 // the database's own "locked" message.
 constexpr int kLockWaitMs = 10000;
 
-// A bit column: 0/1 on SQLite, a Boolean through ODBC; NULL counts as off.
-bool isOn(const QVariant& v) {
-    return !v.isNull() && v.toBool();
-}
-
-// A date text of the form as the date it stands for; a text that is not a date is the same
-// run-time error as any other conversion the save makes.
-QDate requiredDate(const QString& text) {
-    const std::optional<QDate> day = rules::cellDate(text.trimmed());
-    if (!day) throw rules::SaveDataError("Type mismatch");
-    return *day;
-}
-
 QString describe(const std::exception& e) {
     if (const auto* dbError = dynamic_cast<const db::DbError*>(&e)) return dbError->message();
     return QString::fromUtf8(e.what());
@@ -107,7 +94,7 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
     try {
         // Even the checks' reads may meet another saver's commit: wait for it from the start.
         ensureLockWait(d);
-        if (editMode && fnIsMonthlyEntryOverlapping(employee, requiredDate(txtStartDate->text()),
+        if (editMode && fnIsMonthlyEntryOverlapping(employee, rules::requiredDate(txtStartDate->text()),
                                                     dtpEndDate->date())) {
             MsgBox(QStringLiteral("Monthly entry done. Canot Modify."), MsgButtons::Ok,
                    MsgIcon::Information);
@@ -117,7 +104,7 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
         auto helper = commonmodule::createCommonDB(gadocon);
         helper->strTableName = LinkedTableNames.pSettings;
         const bool rateFromMaster =
-            isOn(helper->fnReturnField(QStringLiteral("PerHourRateFromEmployeeMaster"),
+            db::isOn(helper->fnReturnField(QStringLiteral("PerHourRateFromEmployeeMaster"),
                                        entry::savesql::rateSettingCondition(gintCompanyID)));
         helper->strTableName = LinkedTableNames.pemployee;
         const QVariant rateField =
@@ -151,11 +138,11 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
             entry::savesql::InsertCommand header(gadocon, entry::savesql::headerInsert());
             header.execute(
                 {QVariant(gintCompanyID), QVariant(newId), QVariant(attendanceNo),
-                 entry::savesql::dateValue(d, requiredDate(txtAttdate->text())), QVariant(employee),
+                 entry::savesql::dateValue(d, rules::requiredDate(txtAttdate->text())), QVariant(employee),
                  QVariant(val(txtNoPresent->text().trimmed())),
                  QVariant(val(txtNoLeave->text().trimmed())),
                  QVariant(val(txtNoAbsent->text().trimmed())), QVariant(0),
-                 entry::savesql::dateValue(d, requiredDate(txtStartDate->text())),
+                 entry::savesql::dateValue(d, rules::requiredDate(txtStartDate->text())),
                  entry::savesql::dateValue(d, dtpEndDate->date()), QVariant(lngWorkTimeSettingID),
                  remarks.isEmpty() ? entry::savesql::noText() : QVariant(remarks), QVariant(rate)});
 

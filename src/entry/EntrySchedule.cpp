@@ -4,8 +4,6 @@
 // form's cache: a period asks each weekday many times and the answer cannot change while
 // the same employee is chosen.
 
-#include <QHash>
-#include <QObject>
 #include <exception>
 
 #include "entry/EntrySql.h"
@@ -15,42 +13,6 @@
 #include "shared/FlexGrid.h"
 
 namespace qz2 {
-
-namespace {
-
-// The working-hours procedure's rows, kept for the life of the form. The procedure's text is
-// the same for every weekday (only its values differ), so the statement cache, which is
-// keyed by text, cannot hold them; they are kept here under text and values instead. Its
-// answers depend on the company only, which does not change while the form is open.
-class ProcedureRows : public QObject {
-public:
-    explicit ProcedureRows(QObject* form) : QObject(form) {
-        setObjectName(QStringLiteral("procedureRows"));
-    }
-    static ProcedureRows& of(QObject* form) {
-        for (QObject* child : form->children())
-            if (auto* rows = dynamic_cast<ProcedureRows*>(child)) return *rows;
-        return *new ProcedureRows(form);
-    }
-    db::Recordset open(const QSqlDatabase& db, const db::Dialect::Call& call) {
-        QString key = call.sql;
-        for (const QVariant& v : call.values)
-            key += QLatin1Char('\x1f') + QString::fromLatin1(v.typeName()) + QLatin1Char(':') +
-                   v.toString();
-        if (entry::testing::statementCacheBypassed()) m_rows.clear();
-        auto found = m_rows.constFind(key);
-        if (found == m_rows.constEnd())
-            found = m_rows.insert(key, db::openRecordset(db, call.sql, call.values));
-        db::Recordset rows = found.value();
-        rows.moveFirst();
-        return rows;
-    }
-
-private:
-    QHash<QString, db::Recordset> m_rows;
-};
-
-}  // namespace
 
 std::optional<entry::ScheduleLine> frmEmployeeDailyAttendance::fnDaySchedule(QDate date) {
     try {
@@ -96,7 +58,6 @@ TimeValue frmEmployeeDailyAttendance::fnCheckGraceTime(QDate date) {
 }
 
 void frmEmployeeDailyAttendance::fnLoadWeekdayWorkingHours() {
-    ProcedureRows& procedure = ProcedureRows::of(this);
     for (int day = 1; day <= 7; ++day) {
         try {
             // The procedure is called with company, an empty string and the day number,
@@ -104,8 +65,8 @@ void frmEmployeeDailyAttendance::fnLoadWeekdayWorkingHours() {
             // "{call spreturnWorkingHrs(?,?,?)}": that is how a stored-procedure command is
             // sent through ODBC, the driver turning it into the procedure's execution with
             // the values as its parameters. SQLite reads the database's view of that name.
-            const db::Recordset rs =
-                procedure.open(gadocon, dialect().workingHoursCall(gintCompanyID, day));
+            const db::Dialect::Call call = dialect().workingHoursCall(gintCompanyID, day);
+            const db::Recordset rs = entry::openCached(m_cache, gadocon, call.sql, call.values);
             // A weekday the settings leave out has no row: it has no working hours.
             weekdayWorkingHours[day] = TimeValue();
             if (!rs.eof()) {

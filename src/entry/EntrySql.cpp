@@ -184,9 +184,10 @@ namespace {
 bool g_bypassCache = false;
 }  // namespace
 
-db::Recordset openCached(StatementCache& cache, const QSqlDatabase& db, const QString& sql) {
+db::Recordset openCached(StatementCache& cache, const QSqlDatabase& db, const QString& sql,
+                         const QVector<QVariant>& values) {
     if (g_bypassCache) cache.clear();
-    return cache.open(db, sql);
+    return cache.open(db, sql, values);
 }
 
 namespace testing {

@@ -75,11 +75,12 @@ class StatementCache;
 // The rows of one of the form's read-only statements, through the form's cache: the
 // database is asked only the first time the text is seen while the form is open (or
 // since the employee last changed). Throws db::DbError like the statement would.
-db::Recordset openCached(StatementCache& cache, const QSqlDatabase& db, const QString& sql);
+db::Recordset openCached(StatementCache& cache, const QSqlDatabase& db, const QString& sql,
+                         const QVector<QVariant>& values = {});
 
 namespace testing {
-// Benchmarks and tests only. While on, every read through openCached (and the working-hours
-// procedure) empties the form's cache first, so that each statement is asked as often as
+// Benchmarks and tests only. While on, every read through openCached empties the form's
+// cache first, so that each statement is asked as often as
 // the procedures ask for it: the uncached algorithm, to count its statements and to check
 // that the cached results are the same.
 void setStatementCacheBypassed(bool on);

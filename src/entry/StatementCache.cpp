@@ -2,9 +2,17 @@
 
 namespace qz2::entry {
 
-db::Recordset StatementCache::open(const QSqlDatabase& db, const QString& sql) {
-    auto found = m_rows.constFind(sql);
-    if (found == m_rows.constEnd()) found = m_rows.insert(sql, db::openRecordset(db, sql));
+QString StatementCache::key(const QString& sql, const QVector<QVariant>& values) {
+    QString k = sql;
+    for (const QVariant& v : values)
+        k += QLatin1Char('\x1f') + QString::fromLatin1(v.typeName()) + QLatin1Char(':') + v.toString();
+    return k;
+}
+
+db::Recordset StatementCache::open(const QSqlDatabase& db, const QString& sql, const QVector<QVariant>& values) {
+    const QString k = key(sql, values);
+    auto found = m_rows.constFind(k);
+    if (found == m_rows.constEnd()) found = m_rows.insert(k, db::openRecordset(db, sql, values));
     db::Recordset rows = found.value();
     rows.moveFirst();
     return rows;

@@ -17,13 +17,19 @@ namespace qz2::entry {
 class StatementCache {
 public:
     // The statement's rows, positioned on the first; the database is asked only the first
-    // time a text is seen. A failing statement throws (db::DbError) and is not kept.
-    db::Recordset open(const QSqlDatabase& db, const QString& sql);
+    // time a text (with the same positional values, if any) is seen. A failing statement
+    // throws (db::DbError) and is not kept.
+    db::Recordset open(const QSqlDatabase& db, const QString& sql, const QVector<QVariant>& values = {});
     void clear() { m_rows.clear(); }
     int size() const { return static_cast<int>(m_rows.size()); }
-    bool contains(const QString& sql) const { return m_rows.contains(sql); }
+    bool contains(const QString& sql, const QVector<QVariant>& values = {}) const {
+        return m_rows.contains(key(sql, values));
+    }
 
 private:
+    // The text alone, or the text and each value with its type: a procedure call has the
+    // same text for every set of values.
+    static QString key(const QString& sql, const QVector<QVariant>& values);
     QHash<QString, db::Recordset> m_rows;
 };
 

@@ -8,11 +8,15 @@ namespace {
 
 const char* const kTypeMismatch = "Type mismatch";
 
+}  // namespace
+
 QDate requiredDate(const QString& text) {
-    const auto d = cellDate(text);
+    const auto d = cellDate(text.trimmed());
     if (!d) throw SaveDataError(kTypeMismatch);
     return *d;
 }
+
+namespace {
 
 // A stored time: the cell's "hh:mm", or 00:00 for an empty cell.
 TimeValue storedTime(const QString& text) {

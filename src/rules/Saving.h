@@ -16,6 +16,10 @@ namespace qz2::rules {
 
 // A cell the save must convert (a date, a time, an amount of hours) holds something else.
 // The save rolls back and shows the description, as for any other error.
+// A date text of the form as the date it stands for; a text that is not a date is the
+// conversion error a save reports ("Type mismatch").
+QDate requiredDate(const QString& text);
+
 class SaveDataError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
