@@ -573,15 +573,24 @@ TEST_F(DemoDatabase, HeaderCountsMatchTheirLines) {
 }
 
 TEST_F(DemoDatabase, DetailLinesLookLikeSavedEntries) {
-    // Times either both present or both NULL; NULL only on absent, leave and holiday lines.
+    // Times either both present or both NULL; a line without times is the one line of its
+    // day (absent, leave, a holiday or a day off without pairs), and every day of an entry's
+    // period has a line.
     EXPECT_EQ(m.count("select count(*) from pEmpAttendanceDetail where (eadCheckIN is null) <> "
                       "(eadCheckOut is null)"),
               0);
-    EXPECT_EQ(
-        m.count(
-            "select count(*) from pEmpAttendanceDetail where eadCheckIN is null and eadType not in "
-            "('A','L','H')"),
-        0);
+    EXPECT_EQ(m.count("select count(*) from (select eadAttendanceID,eadDate from "
+                      "pEmpAttendanceDetail group by eadCompanyID,eadAttendanceID,eadDate "
+                      "having sum(eadCheckIN is null)>0 and count(*)>1)"),
+              0);
+    EXPECT_GT(m.count("select count(*) from pEmpAttendanceDetail where eadCheckIN is null and "
+                      "eadType='P'"),
+              0);
+    EXPECT_EQ(m.count("select count(*) from pEmployeeAttendence h where (select count(distinct "
+                      "eadDate) from pEmpAttendanceDetail d where d.eadCompanyID=h.eaCompanyID "
+                      "and d.eadAttendanceID=h.eaID) <> julianday(h.eaEndDate)-"
+                      "julianday(h.eaStartDate)+1"),
+              0);
     EXPECT_EQ(m.count("select count(*) from pEmpAttendanceDetail where eadType not in "
                       "('P','A','L','H','HA','HL','AL')"),
               0);

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QGroupBox>
@@ -28,6 +29,8 @@
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "register/FrmMaster.h"
 #include "register/RegisterSql.h"
+#include "rules/HalfDay.h"
+#include "rules/RuleGrids.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
@@ -198,9 +201,10 @@ TEST_F(EntryEdit, PairsDaysAndClaimsAreRebuilt) {
     EXPECT_EQ(gridRows(f.mfgAttendance, 1, 2),
               (QStringList{"02/11/2026|P", "03/11/2026|P", "04/11/2026|A", "05/11/2026|HA",
                            "06/11/2026|H", "07/11/2026|H", "08/11/2026|L", "09/11/2026|P"}));
-    // The demo week: eight hours Monday to Thursday, six on Friday, four on Saturday.
+    // The demo week: eight hours Monday to Thursday; the holidays (Friday and Saturday) are
+    // scheduled at zero, as Populate gives them.
     EXPECT_EQ(gridRows(f.mfgAttendance, 4, 4), (QStringList{"08:00", "08:00", "08:00", "08:00",
-                                                            "06:00", "04:00", "00:00", "08:00"}));
+                                                            "00:00", "00:00", "00:00", "08:00"}));
     // Only claimed amounts were stored, and come back with their kind.
     EXPECT_EQ(gridRows(f.mfgAttendance, 5, 6),
               (QStringList{"|", "02:45|A", "|", "|", "|", "|", "|", "00:40|D"}));
@@ -213,7 +217,7 @@ TEST_F(EntryEdit, ADayWithSeveralPairsIsOneDayRowAndSeveralMirrorRows) {
     EXPECT_EQ(gridRows(f.mfgMirrorGrid, 0, 0).filter(QStringLiteral("03/11/2026")).size(), 3);
 }
 
-TEST_F(EntryEdit, AnEntryWithoutDetailRowsOpensWithEmptyGridsAndItsStoredCounts) {
+TEST_F(EntryEdit, AnEntryWithoutDetailRowsOpensWithEveryDayPresentAndItsStoredCounts) {
     t.exec(QStringLiteral(
                "insert into "
                "pEmployeeAttendence(eaCompanyID,eaID,eaNo,eaDate,eaEmpID,eaPresent,eaLeaves,"
@@ -222,7 +226,11 @@ TEST_F(EntryEdit, AnEntryWithoutDetailRowsOpensWithEmptyGridsAndItsStoredCounts)
                "20.5,2,3,0,'2026-11-01','2026-11-30',1)")
                .arg(employee));
     frmEmployeeDailyAttendance& f = load(5000);
-    EXPECT_EQ(f.mfgAttendance->Rows(), 1);
+    // Every day of the stored period is laid out; without a stored line a day is present.
+    ASSERT_EQ(f.mfgAttendance->Rows(), 31);
+    EXPECT_EQ(f.mfgAttendance->TextMatrix(1, 1), QStringLiteral("01/11/2026"));
+    EXPECT_EQ(f.mfgAttendance->TextMatrix(30, 1), QStringLiteral("30/11/2026"));
+    EXPECT_EQ(gridRows(f.mfgAttendance, 2, 2), QStringList(30, QStringLiteral("P")));
     EXPECT_EQ(f.mfgMirrorGrid->Rows(), 1);
     EXPECT_EQ(f.txtNoPresent->text(), QStringLiteral("20.5"));
     EXPECT_EQ(f.txtNoLeave->text(), QStringLiteral("2"));
@@ -667,4 +675,186 @@ TEST_F(EntryEdit, StoredAbsentDaysComeBackTickedAndSurvivePopulate) {
     ASSERT_EQ(f.mfgAttendance->TextMatrix(row, 2), QStringLiteral("A"));
     f.cmdPopulateRecords_Click();
     EXPECT_EQ(f.mfgAttendance->TextMatrix(row, 2), QStringLiteral("A"));
+}
+
+// ---------------------------------------------------------------------------------------
+// What was saved comes back whole
+
+namespace {
+
+// An entry's stored content without its keys: the header's values, every detail line's day,
+// type and times, every claim's day, hours and heads; lines sorted so that their numbering
+// does not count.
+QStringList contentOf(const TestDb& t, qint32 id) {
+    QStringList rows = qz2test::table(
+        t, QStringLiteral("select eaCompanyID,eaNo,eaDate,eaEmpID,eaPresent,eaLeaves,eaAbsent,"
+                          "eaCancelled,eaStartDate,eaEndDate,eacwtsid,eaRemarks,eaPerHourRate "
+                          "from pEmployeeAttendence where eaCompanyID=1 and eaID=%1")
+               .arg(id));
+    QStringList details = qz2test::table(
+        t, QStringLiteral("select eadDate,eadType,eadCheckIN,eadCheckOut from "
+                          "pEmpAttendanceDetail where eadCompanyID=1 and eadAttendanceID=%1")
+               .arg(id));
+    QStringList claims = qz2test::table(
+        t, QStringLiteral("select eaadDate,eaadHours,eaadAllowanceID,eaadDeductionID from "
+                          "pEmpAttendanceAllowanceDeductions where eaadCompanyID=1 and "
+                          "eaadAttendanceID=%1")
+               .arg(id));
+    details.sort();
+    claims.sort();
+    return rows + details + claims;
+}
+
+// The distinct days of an entry's detail lines, "yyyy-mm-dd|type".
+QStringList storedDaysOf(const TestDb& t, qint32 id) {
+    return qz2test::table(
+        t, QStringLiteral("select distinct eadDate,eadType from pEmpAttendanceDetail where "
+                          "eadCompanyID=1 and eadAttendanceID=%1 order by eadDate")
+               .arg(id));
+}
+
+}  // namespace
+
+TEST_F(EntryEdit, APopulatedDemoMonthSavedReopenedAndSavedAgainIsUnchanged) {
+    // Populate lays out the employee's proposed month from the demo's work-time settings,
+    // holidays and leaves (weekly days off included); a half day and a claim are keyed.
+    gstrEntryMode = QStringLiteral("N");
+    frmEmployeeDailyAttendance f;
+    f.Form_Load();
+    for (int i = 0; i < f.cboEmpname->count(); ++i)
+        if (f.cboEmpname->itemData(i).toInt() == employee) f.cboEmpname->setCurrentIndex(i);
+    f.cmdPopulateRecords_Click();
+    FlexGridModel& days = *f.mfgAttendance->flexModel();
+    ASSERT_GT(days.Rows(), 28);
+    const int dayCount = days.Rows() - 1;
+    int present = 0;
+    for (int r = 1; r < days.Rows(); ++r) {
+        if (days.TextMatrix(r, 2) != QLatin1String("P")) continue;
+        ++present;
+        if (present == 2) rules::fnMarkHalfDay(days, r, rules::kMenuMarkHalfDay);
+        if (present == 3)
+            rules::fnSetDayAllowanceDeduction(days, QStringLiteral("01:30"), QStringLiteral("A"),
+                                              *rules::cellDate(days.TextMatrix(r, 1)), true);
+    }
+    f.fnCountDayTypes();
+    f.cmdOK_Click();
+    ASSERT_TRUE(f.saved()) << lastMessage().toStdString();
+    const qint32 first = t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+    // Every day of the period is stored, days without pairs too.
+    EXPECT_EQ(storedDaysOf(t, first).size(), dayCount);
+    const QStringList saved = contentOf(t, first);
+
+    frmEmployeeDailyAttendance& again = load(first);
+    EXPECT_EQ(again.mfgAttendance->Rows() - 1, dayCount);
+    again.cmdOK_Click();
+    ASSERT_TRUE(again.saved()) << lastMessage().toStdString();
+    const qint32 second = t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+    EXPECT_EQ(contentOf(t, second), saved);
+}
+
+TEST_F(EntryEdit, AMonthWithDaysOffHalfDaysLeavesAndHolidaysRoundTrips) {
+    // Two weeks from Monday 2 November, keyed by hand: every kind of day, with and without
+    // pairs, claims of both kinds (one on a worked holiday).
+    qz2test::Scenario s;
+    s.employee = employee;
+    s.start = kStart;
+    s.remarks = QStringLiteral("Two weeks of everything");
+    using qz2test::ScenarioDay;
+    s.days = {
+        ScenarioDay{"P", {{"09:00", "13:00"}, {"14:00", "18:00"}}, "", ""},
+        ScenarioDay{"P", {{"09:00", "13:00"}, {"14:00", "19:30"}}, "01:30", "A"},
+        ScenarioDay{"A", {}, "", ""},
+        ScenarioDay{"HA", {{"09:00", "13:00"}}, "", ""},
+        ScenarioDay{"H", {}, "", ""},
+        ScenarioDay{"H", {{"10:00", "12:00"}}, "02:00", "A"},
+        ScenarioDay{"P", {}, "", ""},  // Sunday, the weekly day off
+        ScenarioDay{"P", {{"09:30", "13:00"}, {"14:00", "18:00"}}, "00:30", "D"},
+        ScenarioDay{"HL", {{"09:00", "13:00"}}, "", ""},
+        ScenarioDay{"H", {}, "", ""},  // a holiday of the demo's calendar
+        ScenarioDay{"L", {}, "", ""},
+        ScenarioDay{"AL", {}, "", ""},
+        ScenarioDay{"HA", {}, "", ""},
+        ScenarioDay{"P", {}, "", ""},  // Sunday
+    };
+    const qint32 first = saveScenario(s);
+    EXPECT_EQ(storedDaysOf(t, first),
+              (QStringList{"2026-11-02|P", "2026-11-03|P", "2026-11-04|A", "2026-11-05|HA",
+                           "2026-11-06|H", "2026-11-07|H", "2026-11-08|P", "2026-11-09|P",
+                           "2026-11-10|HL", "2026-11-11|H", "2026-11-12|L", "2026-11-13|AL",
+                           "2026-11-14|HA", "2026-11-15|P"}));
+    // A day without pairs is one line without times.
+    EXPECT_EQ(qz2test::table(t, QStringLiteral("select eadCheckIN,eadCheckOut from "
+                                               "pEmpAttendanceDetail where eadAttendanceID=%1 "
+                                               "and eadDate='2026-11-08'")
+                                    .arg(first)),
+              QStringList{"NULL|NULL"});
+    const QStringList saved = contentOf(t, first);
+
+    frmEmployeeDailyAttendance& f = load(first);
+    EXPECT_EQ(gridRows(f.mfgAttendance, 1, 2),
+              (QStringList{"02/11/2026|P", "03/11/2026|P", "04/11/2026|A", "05/11/2026|HA",
+                           "06/11/2026|H", "07/11/2026|H", "08/11/2026|P", "09/11/2026|P",
+                           "10/11/2026|HL", "11/11/2026|H", "12/11/2026|L", "13/11/2026|AL",
+                           "14/11/2026|HA", "15/11/2026|P"}));
+    // A recount (as Populate or a half day makes) keeps every stored day.
+    f.cmdPopulateRecords_Click();
+    EXPECT_EQ(f.txtNoPresent->text(), QStringLiteral("9.5"));
+    EXPECT_EQ(f.txtNoLeave->text(), QStringLiteral("2"));
+    EXPECT_EQ(f.txtNoAbsent->text(), QStringLiteral("2.5"));
+    f.cmdOK_Click();
+    ASSERT_TRUE(f.saved()) << lastMessage().toStdString();
+    const qint32 second = t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+    EXPECT_EQ(contentOf(t, second), saved);
+}
+
+TEST_F(EntryEdit, AnEntrySavedWithoutLinesForSomeDaysReopensWithThemPresent) {
+    // Entries saved before every day was stored have no line for a day off without pairs.
+    t.exec(QStringLiteral(
+               "insert into pEmployeeAttendence(eaCompanyID,eaID,eaNo,eaDate,eaEmpID,eaPresent,"
+               "eaLeaves,eaAbsent,eaCancelled,eaStartDate,eaEndDate,eacwtsid) values(1,5001,"
+               "'OLD2','2026-11-20',%1,6,0,1,0,'2026-11-02','2026-11-08',1)")
+               .arg(employee));
+    t.exec("insert into pEmpAttendanceDetail values(1,5001,1,'2026-11-02','P','09:00:00','17:00:00')");
+    t.exec("insert into pEmpAttendanceDetail values(1,5001,2,'2026-11-04','A',NULL,NULL)");
+    frmEmployeeDailyAttendance& f = load(5001);
+    EXPECT_EQ(gridRows(f.mfgAttendance, 1, 2),
+              (QStringList{"02/11/2026|P", "03/11/2026|P", "04/11/2026|A", "05/11/2026|P",
+                           "06/11/2026|P", "07/11/2026|P", "08/11/2026|P"}));
+    // Populate on the opened entry recounts every day, not only the stored ones.
+    f.cmdPopulateRecords_Click();
+    EXPECT_EQ(f.txtNoPresent->text(), QStringLiteral("6"));
+    EXPECT_EQ(f.txtNoAbsent->text(), QStringLiteral("1"));
+    f.cmdOK_Click();
+    ASSERT_TRUE(f.saved()) << lastMessage().toStdString();
+    const qint32 saved = t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+    EXPECT_EQ(storedDaysOf(t, saved).size(), 7);
+}
+
+TEST_F(EntryEdit, AWorkedHolidayReopensScheduledAtZeroAndItsAllowanceStaysAnAllowance) {
+    qz2test::Scenario s = qz2test::demoScenario(employee, kStart);
+    s.days[5].hours = QStringLiteral("02:00");  // Saturday's holiday, 10:00-12:00 worked
+    s.days[5].claim = QStringLiteral("A");
+    const qint32 id = saveScenario(s);
+    frmEmployeeDailyAttendance& f = load(id);
+    EXPECT_EQ(f.mfgAttendance->TextMatrix(6, 4), QStringLiteral("00:00"));
+    EXPECT_EQ(f.mfgAttendance->TextMatrix(6, 5), QStringLiteral("02:00"));
+    EXPECT_EQ(f.mfgAttendance->TextMatrix(6, 6), QStringLiteral("A"));
+    // The clerk looks at the day and ticks the claim again: it is still overtime.
+    f.mfgAttendance->setCurrentCell(6, 1);
+    EXPECT_EQ(f.chkAllowanceDeductions->text(), QStringLiteral("Allowances"));
+    f.chkAllowanceDeductions->click();
+    f.chkAllowanceDeductions->click();
+    EXPECT_EQ(f.chkAllowanceDeductions->text(), QStringLiteral("Allowances"));
+    EXPECT_EQ(f.mfgAttendance->TextMatrix(6, 6), QStringLiteral("A"));
+    // Populate on the opened entry keeps the holiday at zero too.
+    f.cmdPopulateRecords_Click();
+    EXPECT_EQ(f.mfgAttendance->TextMatrix(6, 4), QStringLiteral("00:00"));
+    f.cmdOK_Click();
+    ASSERT_TRUE(f.saved()) << lastMessage().toStdString();
+    const qint32 saved = t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+    EXPECT_EQ(qz2test::table(t, QStringLiteral("select eaadHours,eaadAllowanceID,eaadDeductionID "
+                                               "from pEmpAttendanceAllowanceDeductions where "
+                                               "eaadAttendanceID=%1 and eaadDate='2026-11-07'")
+                                    .arg(saved)),
+              QStringList{"2|11|NULL"});
 }

@@ -605,12 +605,13 @@ TEST_F(PopulateFixture, OnAnEntryOpenedForEditOnlyPicksAndHolidaysAreReapplied) 
     pickAbsent("2026/12/03");  // the clerk marks the 3rd absent and not the 2nd
     populate();
     EXPECT_TRUE(msgbox_testing::shown().isEmpty());
-    // Types re-marked; every hour cell stays as stored.
+    // Types re-marked; every hour cell stays as stored, except that the new holiday is
+    // scheduled at zero as a new entry's holidays are, so its work counts as extra.
     EXPECT_EQ(gridRows(form.mfgAttendance, 1),
               QStringList({"01/12/2026|P|08:00|08:00|00:00|", "02/12/2026|P|00:00|08:00|08:00|",
                            "03/12/2026|A|07:30|08:00|00:30|", "04/12/2026|P|06:00|06:00|00:00|",
                            "05/12/2026|P|00:00|04:00|04:00|", "06/12/2026|P|00:00|02:00|02:00|",
-                           "07/12/2026|P|08:00|08:00|00:00|", "08/12/2026|H|08:00|08:00|00:00|"}));
+                           "07/12/2026|P|08:00|08:00|00:00|", "08/12/2026|H|08:00|00:00|08:00|"}));
     // The stored pairs stay, except the line of the day that is no longer absent.
     QStringList kept = pairs;
     kept.removeAll(QStringLiteral("02/12/2026|1||"));

@@ -195,8 +195,11 @@ TEST_F(EntrySave, APeriodOfPresentDaysWithoutAnyPairPassesTheCheckAndSaves) {
     f.cmdOK_Click();
     EXPECT_TRUE(f.saved()) << lastMessage().toStdString();
     EXPECT_EQ(headerOf(nextId).size(), 1);
-    // Present days without pairs have no lines at all.
-    EXPECT_TRUE(detailsOf(nextId).isEmpty());
+    // Present days without pairs are stored as one line each without times, so that the
+    // entry reopens with both days.
+    const QString k = QStringLiteral("1|%1|").arg(nextId);
+    EXPECT_EQ(detailsOf(nextId),
+              (QStringList{k + "1|2026-11-02|P|NULL|NULL", k + "2|2026-11-03|P|NULL|NULL"}));
 }
 
 TEST_F(EntrySave, EditingAnEntryThatAMonthlyEntryOverlapsSaysCanotModify) {
@@ -341,6 +344,8 @@ TEST_F(EntrySave, ANewSaveRunsItsStatementsInOrderAndPreparesEachInsertOnce) {
         QStringLiteral("select PerHourRateFromEmployeeMaster from pSettings where companyid=1"),
         QStringLiteral("select PerHourRate from ") + LinkedTableNames.pemployee +
             QStringLiteral(" where ecompanyid=1 And eEmpID=") + QString::number(employee),
+        entry::savesql::overlappingEntryQuery(db::Dialect::sqlite(), 1, employee, kStart,
+                                              kStart.addDays(7), std::nullopt),
         entry::sql::prefixQuery(91029, 1),
         db::Dialect::sqlite().attendanceNumberQuery(QStringLiteral("pEmployeeAttendence"), 1,
                                                     QStringLiteral("ATT")),
@@ -702,7 +707,7 @@ TEST_F(EntrySaveThroughRegister, APopulatedEntrySavesWhatTheGridsShow) {
     for (const QString& d : dayRows) {
         const QString date = d.section('|', 0, 0);
         const QString type = d.section('|', 1, 1);
-        if (type == "A" || type == "L" || (type == "H" && !withPairs.contains(date)))
+        if (type == "A" || type == "L" || !withPairs.contains(date))
             expected << QStringLiteral("%1|%2|%3|NULL|NULL").arg(++n).arg(iso(date), type);
     }
     EXPECT_EQ(table(t, QStringLiteral(

@@ -472,7 +472,8 @@ TEST(ReapplyEditedEntry, KeepsStoredPairsAndOnlyRemarksAbsentDaysAndHolidays) {
               (QStringList{"", "02/02/2026", "P", "07:50", "08:00", "00:10", "D"}));
     EXPECT_EQ(rowOf(g.day, 2), (QStringList{"", "03/02/2026", "P", "00:00", "08:00", "08:00", ""}));
     EXPECT_EQ(rowOf(g.day, 3), (QStringList{"", "04/02/2026", "A", "08:00", "08:00", "00:00", ""}));
-    EXPECT_EQ(rowOf(g.day, 4), (QStringList{"", "05/02/2026", "H", "08:00", "08:00", "00:00", ""}));
+    // The holiday is scheduled at zero, as in a new entry: its work is extra time.
+    EXPECT_EQ(rowOf(g.day, 4), (QStringList{"", "05/02/2026", "H", "08:00", "00:00", "08:00", ""}));
     // The day no longer absent loses its pairs; every other stored pair stays.
     ASSERT_EQ(g.mirror.Rows(), 4);
     EXPECT_EQ(rowOf(g.mirror, 1), (QStringList{"02/02/2026", "1", "09:10", "17:00"}));

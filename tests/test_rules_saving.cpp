@@ -1,7 +1,8 @@
-// What the save writes from the grids: the detail lines (mirror rows, then absent, leave and
-// holiday days without pairs) and the allowance/deduction lines.
+// What the save writes from the grids: the detail lines (mirror rows, then absent and leave
+// days and every day without pairs) and the allowance/deduction lines.
 #include <gtest/gtest.h>
 
+#include <QSet>
 #include <ostream>
 
 #include "rules/Saving.h"
@@ -88,7 +89,9 @@ TEST(DetailLines, MirrorRowsFirstThenOtherDaysContinuingTheNumbering) {
     day.AddItem({"", "04/03/2026", " L "});  // leave: a line (trimmed type), its pairs too
     day.AddItem({"", "05/03/2026", "H"});    // holiday with recorded times: mirror only
     day.AddItem({"", "06/03/2026", "HL"});
-    day.AddItem({"", "07/03/2026", "AL"});  // no pairs and no line of its own
+    day.AddItem({"", "07/03/2026", "AL"});  // no pairs: a line of its own
+    day.AddItem({"", "08/03/2026", "P"});   // a day off without pairs: a line of its own
+    day.AddItem({"", "09/03/2026", "HA"});  // no pairs: a line of its own
     mirror.AddItem({"02/03/2026", "1", "09:00", "13:00"});
     mirror.AddItem({"02/03/2026", "2", "14:00", ""});
     mirror.AddItem({"04/03/2026", "1", "09:00", "13:00"});
@@ -96,7 +99,7 @@ TEST(DetailLines, MirrorRowsFirstThenOtherDaysContinuingTheNumbering) {
     mirror.AddItem({"06/03/2026", "1", "09:15", "13:00"});
 
     const QList<DetailLine> lines = detailLinesToInsert(day, mirror);
-    ASSERT_EQ(lines.size(), 8);
+    ASSERT_EQ(lines.size(), 11);
     expectLine(lines[0], 1, mar(2), "P", at(9, 0), at(13, 0));
     expectLine(lines[1], 2, mar(2), "P", at(14, 0), at(0, 0));  // empty is stored as 00:00
     expectLine(lines[2], 3, mar(4), "L", at(9, 0), at(13, 0));
@@ -105,6 +108,28 @@ TEST(DetailLines, MirrorRowsFirstThenOtherDaysContinuingTheNumbering) {
     expectLine(lines[5], 6, mar(1), "H", std::nullopt, std::nullopt);
     expectLine(lines[6], 7, mar(3), "A", std::nullopt, std::nullopt);
     expectLine(lines[7], 8, mar(4), "L", std::nullopt, std::nullopt);
+    expectLine(lines[8], 9, mar(7), "AL", std::nullopt, std::nullopt);
+    expectLine(lines[9], 10, mar(8), "P", std::nullopt, std::nullopt);
+    expectLine(lines[10], 11, mar(9), "HA", std::nullopt, std::nullopt);
+}
+
+TEST(DetailLines, EveryDayOfThePeriodHasAtLeastOneLine) {
+    // Whatever its type, a day without pairs is stored, so the entry reopens with every day.
+    FlexGridModel day, mirror;
+    makeDayGrid(day);
+    makePairGrid(mirror);
+    const QStringList types{"P", "A", "L", "H", "HA", "HL", "AL"};
+    for (int i = 0; i < types.size(); ++i)
+        day.AddItem({"", mar(10 + i).toString("dd/MM/yyyy"), types[i]});
+    mirror.AddItem({"10/03/2026", "1", "09:00", "17:00"});
+    const QList<DetailLine> lines = detailLinesToInsert(day, mirror);
+    QSet<QDate> stored;
+    for (const DetailLine& l : lines) stored << l.date;
+    EXPECT_EQ(stored.size(), types.size());
+    // The worked day has only its pair line.
+    int linesOfTheTenth = 0;
+    for (const DetailLine& l : lines) linesOfTheTenth += l.date == mar(10) ? 1 : 0;
+    EXPECT_EQ(linesOfTheTenth, 1);
 }
 
 TEST(DetailLines, WithoutMirrorRowsTheOtherDaysStartAtOne) {
@@ -114,8 +139,9 @@ TEST(DetailLines, WithoutMirrorRowsTheOtherDaysStartAtOne) {
     day.AddItem({"", "02/03/2026", "P"});
     day.AddItem({"", "03/03/2026", "L"});
     const QList<DetailLine> lines = detailLinesToInsert(day, mirror);
-    ASSERT_EQ(lines.size(), 1);
-    expectLine(lines[0], 1, mar(3), "L", std::nullopt, std::nullopt);
+    ASSERT_EQ(lines.size(), 2);
+    expectLine(lines[0], 1, mar(2), "P", std::nullopt, std::nullopt);
+    expectLine(lines[1], 2, mar(3), "L", std::nullopt, std::nullopt);
 }
 
 TEST(DetailLines, InsertOtherDaysAdvancesTheCounterItIsGiven) {

@@ -171,15 +171,16 @@ void everyStatementFailingLeavesNothing(bool edit, int expectedStatements,
 }
 
 TEST(SaveFaults, EveryStatementOfANewSaveFailingLeavesNothingAndOkAgainSaves) {
-    // The lock wait, 2 checks, prefix, number, identifier, header, 8 pair lines, currency,
-    // 2 claims, 3 lines of days without pairs.
-    everyStatementFailingLeavesNothing(false, 21, {1, 11, 2});
+    // The lock wait, 2 checks, the check for an overlapping entry, prefix, number,
+    // identifier, header, 8 pair lines, currency, 2 claims, 3 lines of days without pairs.
+    everyStatementFailingLeavesNothing(false, 22, {1, 11, 2});
 }
 
 TEST(SaveFaults, EveryStatementOfAnEditSaveFailingLeavesTheOldEntryAndOkAgainSaves) {
-    // The lock wait, the overlap check, 2 checks, 3 deletes, identifier, header, 7 pair
-    // lines, currency, 1 claim, 4 lines of days without pairs.
-    everyStatementFailingLeavesNothing(true, 22, {1, 11, 1});
+    // The lock wait, the monthly-entry overlap check, 2 checks, the check for an overlapping
+    // entry, 3 deletes, identifier, header, 7 pair lines, currency, 1 claim, 4 lines of days
+    // without pairs.
+    everyStatementFailingLeavesNothing(true, 23, {1, 11, 1});
 }
 
 TEST(SaveFaults, AFailingRefreshAfterAnEditLeavesTheEditSaved) {
@@ -188,9 +189,9 @@ TEST(SaveFaults, AFailingRefreshAfterAnEditLeavesTheEditSaved) {
     setRegisterGrid(&p.registerRows);
     gstrMasterQuery =
         QStringLiteral("select eaID,eaNo,eaDate,eaEmpID,eaCancelled from pEmployeeAttendence");
-    const QStringList ran = p.press(22, QStringLiteral("injected refresh failure"));
+    const QStringList ran = p.press(23, QStringLiteral("injected refresh failure"));
     gstrMasterQuery.clear();
-    ASSERT_EQ(ran.size(), 23);
+    ASSERT_EQ(ran.size(), 24);
     EXPECT_TRUE(ran.last().startsWith(
         QLatin1String("select eaID,eaNo,eaDate,eaEmpID,eaCancelled from pEmployeeAttendence")));
     EXPECT_TRUE(p.form->saved());
@@ -274,7 +275,7 @@ TEST_F(SaveInterrupted, ANewSaveEndedBeforeAnyOfItsStatementsLeavesNoTraceAndACo
     const ChildResult dry = runChild(childArgs() << QStringLiteral("--count"));
     ASSERT_EQ(dry.exitCode, 0) << dry.lines.join('\n').toStdString();
     const int statements = statementsOf(dry);
-    ASSERT_EQ(statements, 21);
+    ASSERT_EQ(statements, 22);
     QString pristineDump;
     {
         FileLook look(pristine);
@@ -335,8 +336,8 @@ TEST_F(SaveInterrupted, AnEditEndedAtAnyStatementLeavesTheOldEntryOrTheWholeEdit
     const ChildResult dry = runChild(QStringList(editArgs) << QStringLiteral("--count"));
     ASSERT_EQ(dry.exitCode, 0) << dry.lines.join('\n').toStdString();
     const int statements = statementsOf(dry);
-    // The edit's 22 statements, then the register row's refresh after the commit.
-    ASSERT_EQ(statements, 23);
+    // The edit's 23 statements, then the register row's refresh after the commit.
+    ASSERT_EQ(statements, 24);
     QString edited;
     {
         FileLook look(work);

@@ -418,7 +418,7 @@ struct EntryPlan {
     double rate = 0;
     QVariant cancelledRemarks;
     std::vector<DetailLine> pairs;   // lines with times, in date order
-    std::vector<DetailLine> others;  // absent, leave and holiday days without times
+    std::vector<DetailLine> others;  // every day without times (absent, leave, holiday, day off)
     std::vector<AllowanceLine> allowances;
 };
 
@@ -494,6 +494,8 @@ EntryPlan planEntry(const Employee& emp, QDate first, const CompanyCalendar& cal
             if (!day.empty()) {
                 const auto p = punches({day.front()}, rng);
                 e.pairs.push_back({d, QStringLiteral("HL"), p[0].first, p[0].second});
+            } else {
+                e.others.push_back({d, QStringLiteral("HL")});
             }
             continue;
         }
@@ -502,8 +504,9 @@ EntryPlan planEntry(const Employee& emp, QDate first, const CompanyCalendar& cal
             e.others.push_back({d, QStringLiteral("L")});
             continue;
         }
-        if (day.empty()) {  // the weekly day off counts as present and has no lines
+        if (day.empty()) {  // the weekly day off counts as present: a line without times
             e.present += 1;
+            e.others.push_back({d, QStringLiteral("P")});
             continue;
         }
         if (rng.chance(2)) {

@@ -77,7 +77,17 @@ void claimTheDifference(frmEmployeeDailyAttendance& f) {
     const std::optional<QString> kind =
         rules::claimKind(f.chkAllowanceDeductions->isChecked(), f.chkAllowanceDeductions->text());
     if (!kind) return;
-    f.fnSetDayAllowanceDeduction(f.txtAllowanceDeductions->text(), *kind, *day);
+    // Only a complete amount is claimed; while one is still being typed the day keeps the
+    // amount it had, and an untick still withdraws the claim.
+    QString amount = f.txtAllowanceDeductions->text();
+    if (!rules::normaliseClaimAmount(amount)) {
+        if (!kind->isEmpty()) return;
+        const FlexGrid* days = f.mfgAttendance;
+        for (int r = 1; r < days->Rows(); ++r)
+            if (rules::cellDate(days->TextMatrix(r, frmEmployeeDailyAttendance::colDate)) == day)
+                amount = days->TextMatrix(r, frmEmployeeDailyAttendance::colHours);
+    }
+    f.fnSetDayAllowanceDeduction(amount, *kind, *day);
 }
 
 }  // namespace
@@ -100,6 +110,8 @@ void frmEmployeeDailyAttendance::connectDayEvents() {
             [this] { chkAllowanceDeductions_Click(); });
     connect(txtAllowanceDeductions, &QLineEdit::textChanged, this,
             [this] { txtAllowanceDeductions_Change(); });
+    // The clerk's own amount stands until the day's times change.
+    connect(txtAllowanceDeductions, &QLineEdit::textEdited, this, [this] { m_keepDayAmount = true; });
     // Whoever writes a day's claim (the check box, the amount, loading a stored entry), the
     // "Hours" column follows.
     QAbstractItemModel* dayModel = mfgAttendance->model();
@@ -172,10 +184,13 @@ void frmEmployeeDailyAttendance::mfgAttendance_Click() {
         chkAllowanceDeductions->setText(rules::allowanceCaption(claim));
         // The tick shows whether this day's difference is claimed, so that it never stands
         // for a claim of the day shown before.
-        chkAllowanceDeductions->setChecked(claim == QLatin1String("A") ||
-                                           claim == QLatin1String("D"));
+        const bool claimed = claim == QLatin1String("A") || claim == QLatin1String("D");
+        chkAllowanceDeductions->setChecked(claimed);
         fnFindtheAdditionalWorkingHours();
         txtAllowanceDeductions->setText(mfgAttendance->TextMatrix(row, colHours));
+        // A claimed day's amount is what will be paid or charged: it stands until the day's
+        // times change.
+        m_keepDayAmount = claimed;
         showClaimedHours(*this);
     } catch (const std::exception&) {
     }
@@ -253,6 +268,10 @@ void frmEmployeeDailyAttendance::txtAllowanceDeductions_Change() {
     }
 }
 
+void frmEmployeeDailyAttendance::fnStoreDayClaim() {
+    claimTheDifference(*this);
+}
+
 void frmEmployeeDailyAttendance::fnSetDayAllowanceDeduction(const QString& amount,
                                                             const QString& kind, QDate date) {
     rules::fnSetDayAllowanceDeduction(*mfgAttendance->flexModel(), amount, kind, date,
@@ -272,6 +291,7 @@ void frmEmployeeDailyAttendance::fnClearEntryForm() {
     chkAllowanceDeductions->setChecked(false);
     chkAllowanceDeductions->setText(rules::kCaptionNeutral);
     txtAllowanceDeductions->clear();
+    m_keepDayAmount = false;
     for (FlexGrid* grid : {mfgAttendance, mfgCheckinCheckOut, mfgMirrorGrid})
         fnClearGridSelection(grid);
     showClaimedHours(*this);

@@ -1,5 +1,5 @@
 // Loading a stored entry into the entry form for correction: the header into the boxes,
-// the stored pairs into the mirror grid, one day row per stored date and type, the hours,
+// the stored pairs into the mirror grid, one day row per day of the period, the hours,
 // and the allowance and deduction claims back into the day rows. An entry that a monthly
 // entry covers, or a cancelled one, opens for viewing only.
 
@@ -18,6 +18,7 @@
 #include "entry/SaveSql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "rules/DayTypes.h"
+#include "rules/Population.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/SharedServices.h"
@@ -47,6 +48,8 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
     gstrEntryMode = QStringLiteral("E");
     if (!m_loaded) Form_Load();
     bool viewOnly = false;
+    std::optional<QDate> periodStart;
+    std::optional<QDate> periodEnd;
     try {
         const db::Recordset header =
             db::openRecordset(gadocon, entry::savesql::headerQuery(dialect(), gintCompanyID, id));
@@ -60,6 +63,8 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
             const std::optional<QDate> start =
                 storedDate(header.field(QStringLiteral("eaStartDate")));
             const std::optional<QDate> end = storedDate(header.field(QStringLiteral("eaEndDate")));
+            periodStart = start;
+            periodEnd = end;
             txtStartDate->setText(start ? dateText(*start) : QString());
             if (end) {
                 dtpEndDate->setDate(*end);
@@ -97,15 +102,26 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
                                     out ? out->format(u"HH:mm") : QString()});
         }
 
-        // One day row per stored date and type, with the day's scheduled hours.
+        // Every day of the stored period, with its stored type; a day saved without a line
+        // (before every day was stored) comes back present, so that the period is whole and
+        // a recount never drops it. Then the days' scheduled hours, holidays at zero as a
+        // new entry's population gives them: work on a holiday stays extra time, and a stored
+        // allowance never turns into a deduction by being reopened.
+        QList<rules::StoredDay> storedDays;
         for (db::Recordset rs =
                  db::openRecordset(gadocon, entry::savesql::entryDaysQuery(gintCompanyID, id));
              !rs.eof(); rs.moveNext()) {
-            const std::optional<QDate> day = storedDate(rs.field(QStringLiteral("eadDate")));
-            mfgAttendance->AddItem({QString(), day ? dateText(*day) : QString(),
-                                    rs.field(QStringLiteral("eadType")).toString().trimmed()});
-            if (day) fnCalculateScheduleHours(*day, static_cast<qint16>(mfgAttendance->Rows() - 1));
+            if (const std::optional<QDate> day = storedDate(rs.field(QStringLiteral("eadDate"))))
+                storedDays << rules::StoredDay{
+                    *day, rs.field(QStringLiteral("eadType")).toString().trimmed()};
         }
+        rules::fnLayOutStoredDays(*mfgAttendance->flexModel(), periodStart.value_or(QDate()),
+                                  periodEnd.value_or(QDate()), dtDateOfJoin.value_or(QDate()),
+                                  storedDays);
+        for (int row = 1; row < mfgAttendance->Rows(); ++row)
+            if (const auto day = parseDmy(mfgAttendance->TextMatrix(row, colDate)))
+                fnCalculateScheduleHours(*day, static_cast<qint16>(row));
+        fnZeroHolidaySchedule();
 
         fnCalculateTotalHours();
 

@@ -17,7 +17,6 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
-#include <QRegularExpressionValidator>
 #include <QSplitter>
 #include <QTimeEdit>
 #include <QVBoxLayout>
@@ -25,6 +24,7 @@
 
 #include "commonmodule/CommonModule.h"
 #include "db/Database.h"
+#include "entry/AmountTextValidator.h"
 #include "entry/DateTextValidator.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
@@ -125,9 +125,9 @@ void frmEmployeeDailyAttendance::buildControls() {
     chkAllowanceDeductions =
         named(new QCheckBox(tr("Allowance/Deductions"), mid), "chkAllowanceDeductions");
     txtAllowanceDeductions = named(new QLineEdit(mid), "txtAllowanceDeductions");
-    // Hours and minutes as "hh.mm" (or "hh:mm"): anything else could never be saved.
-    txtAllowanceDeductions->setValidator(new QRegularExpressionValidator(
-        QRegularExpression(QStringLiteral("^\\d{0,2}([.:]\\d{0,2})?$")), txtAllowanceDeductions));
+    // Hours and minutes as "hh.mm" (or "hh:mm"), 00.00 to 23.59: anything else could never
+    // be saved.
+    entry::AmountTextValidator::guard(txtAllowanceDeductions);
     txtAllowanceDeductions->setMaximumWidth(
         txtAllowanceDeductions->fontMetrics().horizontalAdvance(QStringLiteral("00000.00")) + 16);
     txtNoPresent = readOnlyBox(mid, "txtNoPresent", 5);

@@ -26,7 +26,14 @@ void frmEmployeeDailyAttendance::fnCalculateTotalHoursfortheDay() {
         [this](QDate d) { return fnCheckGraceTime(d); }, intGraceTime);
     chkAllowanceDeductions->setText(diff.caption);
     if (diff.clearTick) chkAllowanceDeductions->setChecked(false);
-    txtAllowanceDeductions->setText(diff.amount);
+    // An amount the clerk typed (or the day's stored claim) stands until the day's times
+    // change; with no difference left there is nothing to keep.
+    if (diff.clearTick) m_keepDayAmount = false;
+    if (!m_keepDayAmount) txtAllowanceDeductions->setText(diff.amount);
+    // The claim follows the recomputed day even when the amount's text is unchanged: a
+    // difference that changed side with the same size (+01:00 to -01:00) must be stored as
+    // a deduction, never kept as the overtime it was.
+    fnStoreDayClaim();
 }
 
 void frmEmployeeDailyAttendance::fnFindtheAdditionalWorkingHours() {

@@ -141,6 +141,14 @@ int rowAt(const FlexGrid* grid, QPoint viewportPos) {
 
 }  // namespace
 
+// A digit or a separator typed into the time picker.
+bool isTimeKey(const QKeyEvent& key) {
+    if (key.modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
+    const QString text = key.text();
+    return text.size() == 1 && (text.at(0).isDigit() || text == QLatin1String(":") ||
+                                text == QLatin1String("."));
+}
+
 // ---- Wiring ------------------------------------------------------------------------------
 
 void frmEmployeeDailyAttendance::connectPairEvents() {
@@ -203,6 +211,7 @@ bool frmEmployeeDailyAttendance::pairsEventFilter(QObject* watched, QEvent* even
                     dtpCheckTime_KeyDown(13, shift);
                     return true;
                 }
+                if (isTimeKey(*key)) return typeIntoPicker(*key);
                 const bool plain = !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
                 if (plain && (key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab)) {
                     // Tab commits the picked time through the leave-cell steps and moves on
@@ -317,6 +326,34 @@ bool frmEmployeeDailyAttendance::pairsEventFilter(QObject* watched, QEvent* even
     }
 }
 
+// The picker takes a typed digit or separator only when it stays a time of day. Left to
+// itself it would drop a digit that makes no time ("25" stays "2") and carry on with the
+// next ones, so that "2599" became 02:00 and "12:75" 12:07 without a word. A key it refuses
+// (its text, section and cursor all unchanged) puts back the time the cell had and says why.
+bool frmEmployeeDailyAttendance::typeIntoPicker(QKeyEvent& key) {
+    // The picker hands the key to its own text box: that delivery is the picker's own.
+    static bool typing = false;
+    if (typing) return false;
+    const QScopedValueRollback<bool> busy(typing, true);
+    QLineEdit* edit = dtpCheckTime->findChild<QLineEdit*>();
+    const QString textBefore = edit ? edit->text() : QString();
+    const int cursorBefore = edit ? edit->cursorPosition() : 0;
+    const QDateTimeEdit::Section sectionBefore = dtpCheckTime->currentSection();
+    static_cast<QObject*>(dtpCheckTime)->event(&key);
+    const bool separator = !key.text().at(0).isDigit();
+    const bool taken = !edit || edit->text() != textBefore ||
+                       edit->cursorPosition() != cursorBefore ||
+                       dtpCheckTime->currentSection() != sectionBefore;
+    if (taken || separator) return true;
+    FlexGrid* grid = mfgCheckinCheckOut;
+    const std::optional<TimeValue> had = rules::cellTime(grid->TextMatrix(grid->Row(), grid->Col()));
+    dtpCheckTime->setTime(had ? had->timeOfDay() : QTime(0, 0));
+    dtpCheckTime->setCurrentSection(QDateTimeEdit::HourSection);
+    dtpCheckTime->setSelectedSection(QDateTimeEdit::HourSection);
+    MsgBox(rules::kMsgNotATimeOfDay);
+    return true;
+}
+
 // ---- Entering and leaving a cell ---------------------------------------------------------
 
 void frmEmployeeDailyAttendance::mfgCheckinCheckOut_EnterCell() {
@@ -348,8 +385,11 @@ void frmEmployeeDailyAttendance::mfgCheckinCheckOut_LeaveCell(int row, int col) 
         dtpCheckTime->interpretText();  // a time still being typed counts as typed
         const QTime picked = dtpCheckTime->time();
         hidePicker(*this);
+        const QStringList before = rowCells(grid, row);
         const rules::PairCellCommit commit = rules::fnCommitPairCell(
             *grid->flexModel(), *mfgMirrorGrid->flexModel(), row, col, picked);
+        // The day's amount is worked out afresh only once its times changed.
+        if (rowCells(grid, row) != before) m_keepDayAmount = false;
         lastLeaveOutcome = commit.outcome;
         switch (commit.outcome) {
             case Outcome::NotARow:
@@ -504,6 +544,7 @@ void frmEmployeeDailyAttendance::mnuDelete_Click() {
             if (rules::deletePair(*grid->flexModel(), *mfgMirrorGrid->flexModel(), row, *day))
                 fnClearGridSelection(grid);
         }
+        m_keepDayAmount = false;  // a pair went: the day's times changed
         fnCalculateTotalHours();
         fnCalculateTotalHoursfortheDay();
         const QScopedValueRollback<bool> quiet(m_inLeaveCell, true);

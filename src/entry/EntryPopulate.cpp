@@ -101,8 +101,12 @@ void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
 
         if (!isNewMode()) {
             // The stored pairs stay as they are; only the picks and the holidays change.
+            // Holidays get their zero schedule as in a new entry, so that work on a holiday
+            // stays extra time.
             fnMarkAbsentDays();
             fnMarkHolidays(start, end);
+            fnZeroHolidaySchedule();
+            fnFindtheAdditionalWorkingHours();
             fnCountDayTypes();
             return;
         }

@@ -122,6 +122,25 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
         // served one after the other before either reads the next number.
         db::Transaction transaction(gadocon, /*immediate=*/true);
         {
+            // No two live entries of one employee may share a day. Checked under the save's
+            // own lock, so that no overlapping entry can be written between the check and
+            // the inserts; the lock is let go before the clerk is told.
+            const QDate periodStart = rules::requiredDate(txtStartDate->text());
+            const QDate periodEnd = dtpEndDate->date();
+            const db::Recordset other = db::openRecordset(
+                gadocon, entry::savesql::overlappingEntryQuery(
+                             d, gintCompanyID, employee, periodStart, periodEnd,
+                             editMode ? std::optional<qint32>(lngAttendanceID) : std::nullopt));
+            if (!other.eof()) {
+                const QString message = rules::overlapMessage(
+                    other.field(0).toString(),
+                    timeValueFromDb(other.field(1)).value_or(TimeValue()).date(),
+                    timeValueFromDb(other.field(2)).value_or(TimeValue()).date());
+                transaction.rollback();
+                MsgBox(message, MsgButtons::Ok, MsgIcon::Information);
+                return;
+            }
+
             if (editMode) {
                 db::execute(gadocon,
                             entry::savesql::deleteAllowanceLines(gintCompanyID, lngAttendanceID));

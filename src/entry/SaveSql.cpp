@@ -47,6 +47,21 @@ QString deleteHeader(qint16 company, qint32 oldId) {
            QStringLiteral(" And ") + QStringLiteral(" eaID= ") + n(oldId);
 }
 
+QString overlappingEntryQuery(const db::Dialect& d, qint16 company, qint32 employee, QDate start,
+                              QDate end, std::optional<qint32> editedId) {
+    const QString lock = d.isSqlServer() ? QStringLiteral(" with (updlock, holdlock)") : QString();
+    QString sql = QStringLiteral("Select top 1 eaNo,eaStartDate,eaEndDate from ") +
+                  LinkedTableNames.pEmployeeAttendence + lock +
+                  QStringLiteral(" where eaCompanyID=") + n(company) +
+                  QStringLiteral(" and eaEmpID=") + n(employee) +
+                  QStringLiteral(" and eaCancelled=0 and eaStartDate<='") +
+                  d.dateText(end, u"yyyymmdd") + QStringLiteral("' and eaEndDate>='") +
+                  d.dateText(start, u"yyyymmdd") + QStringLiteral("'");
+    if (editedId) sql += QStringLiteral(" and eaID<>") + n(*editedId);
+    sql += QStringLiteral(" order by eaStartDate");
+    return d.top1(sql);
+}
+
 QString headerInsert() {
     return QStringLiteral("insert into ") + LinkedTableNames.pEmployeeAttendence +
            QStringLiteral("(eaCompanyID,eaID,eaNo,eaDate,eaEmpID,eaPresent,eaLeaves,eaAbsent, ") +

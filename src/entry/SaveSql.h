@@ -29,6 +29,14 @@ QString deleteAllowanceLines(qint16 company, qint32 oldId);
 QString deleteDetailLines(qint16 company, qint32 oldId);
 QString deleteHeader(qint16 company, qint32 oldId);
 
+// The employee's first entry that is not cancelled and shares a day with the period
+// start..end (touching periods share none), other than the entry being edited: its number,
+// start and end. On SQL Server the rows read stay locked to the saving transaction, so that
+// no other clerk can write an overlapping entry between this check and the save's inserts;
+// SQLite's write lock is already held by then.
+QString overlappingEntryQuery(const db::Dialect& d, qint16 company, qint32 employee, QDate start,
+                              QDate end, std::optional<qint32> editedId);
+
 // The three inserts, with positional "?" markers in column order (14, 7 and 7 values).
 QString headerInsert();
 QString detailInsert();

@@ -24,6 +24,7 @@
 class QAction;
 class QCheckBox;
 class QComboBox;
+class QKeyEvent;
 class QDateEdit;
 class QGroupBox;
 class QLabel;
@@ -175,6 +176,9 @@ public:
     void chkAllowanceDeductions_Click();
     void txtAllowanceDeductions_Change();
     void fnSetDayAllowanceDeduction(const QString& amount, const QString& kind, QDate date);
+    // The current day's claim as the check box and the amount box now stand (kind from the
+    // caption when ticked, the amount as Hours), written to its day row.
+    void fnStoreDayClaim();
     void fnClearEntryForm();
 
     // ---- Saving (EntrySave.cpp) and loading a stored entry (EntryEditLoad.cpp) --------
@@ -249,8 +253,13 @@ private:
     // Key and mouse events of the pairs grid, the time picker and the day grid; true when
     // handled (the form's own filter then stops).
     bool pairsEventFilter(QObject* watched, QEvent* event);
+    // A digit or separator typed into the time picker; refuses one that makes no time.
+    bool typeIntoPicker(QKeyEvent& key);
     bool dayEventFilter(QObject* watched, QEvent* event);
     bool m_saved = false;
+    // The amount box holds a claimed or typed amount that stands until the day's times
+    // change; a recompute then updates the kind but keeps the amount.
+    bool m_keepDayAmount = false;
     bool m_inLeaveCell = false;
     bool m_inDayClick = false;
 

@@ -1,5 +1,7 @@
 #include "rules/Hours.h"
 
+#include <QRegularExpression>
+
 #include <optional>
 
 namespace qz2::rules {
@@ -102,6 +104,27 @@ void fnFindtheAdditionalWorkingHours(FlexGridModel& dayGrid) {
         if (!schedule || !worked) continue;
         dayGrid.setTextMatrix(r, daycol::Hours, (*schedule - *worked).format(u"HH:mm"));
     }
+}
+
+std::optional<QString> normaliseClaimAmount(const QString& text) {
+    static const QRegularExpression amount(QStringLiteral("^(\\d{1,2})[.:](\\d{2})$"));
+    const QRegularExpressionMatch m = amount.match(text.trimmed());
+    if (!m.hasMatch()) return std::nullopt;
+    const int hours = m.captured(1).toInt();
+    const int minutes = m.captured(2).toInt();
+    if (hours > 23 || minutes > 59) return std::nullopt;
+    return QStringLiteral("%1.%2").arg(hours, 2, 10, QLatin1Char('0')).arg(minutes, 2, 10, QLatin1Char('0'));
+}
+
+bool isClaimAmountBeginning(const QString& text) {
+    static const QRegularExpression beginning(QStringLiteral("^(\\d{0,2})([.:](\\d{0,2}))?$"));
+    const QRegularExpressionMatch m = beginning.match(text);
+    if (!m.hasMatch()) return false;
+    if (m.captured(1).size() == 2 && m.captured(1).toInt() > 23) return false;
+    const QString minutes = m.captured(3);
+    if (!minutes.isEmpty() && minutes.at(0) > QLatin1Char('5')) return false;
+    // Minutes need hours before them.
+    return !(m.captured(1).isEmpty() && !m.captured(2).isEmpty());
 }
 
 }  // namespace qz2::rules

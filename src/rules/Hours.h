@@ -6,6 +6,7 @@
 #include <QDate>
 #include <QString>
 #include <functional>
+#include <optional>
 
 #include "rules/RuleGrids.h"
 
@@ -44,6 +45,13 @@ DayDifference fnCalculateTotalHoursfortheDay(const FlexGridModel& pairs, QDate d
                                              TimeValue scheduled,
                                              const GraceStartProvider& graceStart,
                                              int graceMinutes);
+
+// The claim amount box's text as a day's claim stores it: "hh.mm" from hours 0-23 (one or
+// two digits), "." or ":", and two-digit minutes 00-59 ("1:30" gives "01.30"); nullopt for
+// anything else, so that no stored amount can make a save fail.
+std::optional<QString> normaliseClaimAmount(const QString& text);
+// Whether the text can still become such an amount by typing on: "", "1", "12.", "12.3".
+bool isClaimAmountBeginning(const QString& text);
 
 // "Hours" ("HH:mm") = Schedule Hours - Worked Hours of every day row that has both; rows
 // missing either, and claimed rows (AllowanceType "A" or "D"), keep their Hours.

@@ -16,6 +16,11 @@ inline const QString kMsgCheckInAfterCheckOut =
     QStringLiteral("The Checkin time Must be Less than or equal to Check out Time");
 inline const QString kMsgCheckInBeforePreviousCheckOut =
     QStringLiteral(" The Checkin Time Must Be Greater than Previous CheckOut Time");
+// A key typed into the time picker that would make it something other than a time of day
+// ("25", "12:75"): the picker refuses it rather than turning it silently into another time.
+inline const QString kMsgNotATimeOfDay = QStringLiteral(
+    "That is not a time of day. Type the hours from 00 to 23 and the minutes from 00 to 59, "
+    "for example 09:30.");
 
 // A day has at most this many pairs; Enter on the check-out of this row adds nothing.
 constexpr int kMaxPairRow = 6;

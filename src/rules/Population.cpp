@@ -1,5 +1,7 @@
 #include "rules/Population.h"
 
+#include <QMap>
+
 #include "rules/Pairs.h"
 
 namespace qz2::rules {
@@ -61,6 +63,23 @@ void fnRemoveMirrorRowsOfDate(FlexGridModel& mirror, QDate date) {
         }
         mirror.RemoveItem(r);
     }
+}
+
+void fnLayOutStoredDays(FlexGridModel& dayGrid, QDate start, QDate end, QDate dateOfJoin,
+                        const QList<StoredDay>& stored) {
+    QMap<QDate, QString> types;
+    for (const StoredDay& day : stored)
+        if (day.date.isValid() && !types.contains(day.date)) types.insert(day.date, day.type.trimmed());
+    QDate from = start.isValid() ? effectiveStart(start, dateOfJoin) : QDate();
+    QDate to = end;
+    if (!types.isEmpty()) {
+        if (!from.isValid() || types.firstKey() < from) from = types.firstKey();
+        if (!to.isValid() || types.lastKey() > to) to = types.lastKey();
+    }
+    dayGrid.setRows(1);
+    if (!from.isValid() || !to.isValid()) return;
+    for (const QDate& day : daysOf(from, to))
+        dayGrid.AddItem({QString(), dateText(day), types.value(day, QStringLiteral("P"))});
 }
 
 void fnZeroHolidaySchedule(FlexGridModel& dayGrid) {
@@ -126,6 +145,8 @@ DayCounts reapplyEditedEntry(FlexGridModel& dayGrid, FlexGridModel& mirror,
         fnRemoveRowsFromMirrorGridOnEdit(mirror, d, mirror.Rows() < 2);
     });
     fnMarkHolidays(dayGrid, input.holidays);
+    fnZeroHolidaySchedule(dayGrid);
+    fnFindtheAdditionalWorkingHours(dayGrid);
     return fnCountDayTypes(dayGrid);
 }
 

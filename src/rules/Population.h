@@ -40,6 +40,20 @@ void fnBuildDayRows(FlexGridModel& dayGrid, QDate start, QDate end);
 void fnLayOutScheduledPairs(FlexGridModel& mirror, const FlexGridModel& dayGrid, QDate start,
                             QDate end, QDate dateOfJoin, const ScheduleProvider& schedule);
 
+// A day of a stored entry as its detail lines hold it.
+struct StoredDay {
+    QDate date;
+    QString type;
+};
+
+// Reopening a stored entry: the day grid becomes one row per day from the effective start
+// (the date of join when that is later) to the end, each with its stored type, and "P" for a
+// day that has no stored line (entries saved before every day was stored). A stored day
+// outside that range keeps a row of its own, so that nothing stored is hidden; a date stored
+// with several types shows the first.
+void fnLayOutStoredDays(FlexGridModel& dayGrid, QDate start, QDate end, QDate dateOfJoin,
+                        const QList<StoredDay>& stored);
+
 // Removes the mirror rows of one day.
 void fnRemoveMirrorRowsOfDate(FlexGridModel& mirror, QDate date);
 
@@ -73,7 +87,9 @@ DayCounts populateNewEntry(FlexGridModel& dayGrid, FlexGridModel& pairs, FlexGri
                            const PopulationInput& input);
 
 // The Populate button on an entry opened for edit: only re-applies the absent picks
-// (dropping the pairs of a day that is no longer absent) and the holidays, then recounts.
+// (dropping the pairs of a day that is no longer absent) and the holidays, gives holidays
+// their zero schedule (as a new entry's population does, so that work on a holiday stays
+// extra time), refreshes the unclaimed Hours, then recounts.
 DayCounts reapplyEditedEntry(FlexGridModel& dayGrid, FlexGridModel& mirror,
                              const PopulationInput& input);
 

@@ -63,9 +63,12 @@ QList<DetailLine> fnInsertOtherDays(const FlexGridModel& dayGrid, const FlexGrid
         const QString type = dayGrid.TextMatrix(r, daycol::Type).trimmed();
         const QString dateCell = dayGrid.TextMatrix(r, daycol::Date);
         const bool absentOrLeave = type == QLatin1String("A") || type == QLatin1String("L");
-        // A holiday with recorded times was written with the mirror's lines.
-        const bool bareHoliday = type == QLatin1String("H") && !datesWithPairs.contains(dateCell);
-        if (!absentOrLeave && !bareHoliday) continue;
+        // Every other day that has no pair gets its line too (a Sunday off, a present day
+        // keyed without times, a half day without its pair), so that the stored entry holds
+        // every day of its period and reopens with all of them. A day with recorded times was
+        // written with the mirror's lines.
+        const bool dayWithoutPairs = !datesWithPairs.contains(dateCell);
+        if (!absentOrLeave && !dayWithoutPairs) continue;
         ++detailCounter;
         lines << DetailLine{detailCounter, requiredDate(dateCell), type, std::nullopt,
                             std::nullopt};
@@ -99,6 +102,13 @@ QList<AllowanceLine> allowanceLinesToInsert(const FlexGridModel& dayGrid, int al
         lines << line;
     }
     return lines;
+}
+
+QString overlapMessage(const QString& entryNo, QDate start, QDate end) {
+    return QStringLiteral("The period overlaps attendance entry %1 of this employee (%2 to %3), "
+                          "which is not cancelled. Nothing was saved: correct the period, or "
+                          "edit or cancel that entry first.")
+        .arg(entryNo.trimmed(), dateText(start), dateText(end));
 }
 
 bool processAttendanceMissing(const FlexGridModel& dayGrid, const FlexGridModel& mirror) {

@@ -55,9 +55,9 @@ QString dayTypeForMirrorRow(const FlexGridModel& dayGrid, const QString& dateTex
 // 00:00. Throws SaveDataError for an unreadable date or time.
 QList<DetailLine> fnMirrorDetailLines(const FlexGridModel& dayGrid, const FlexGridModel& mirror);
 
-// The lines of "A" and "L" days, and of "H" days that have no mirror row of the same Date
-// text, with check-in and check-out NULL; detailCounter is the last detail number used and
-// is advanced before each line. Throws SaveDataError for an unreadable date.
+// The lines of "A" and "L" days, and of every other day that has no mirror row of the same
+// Date text, with check-in and check-out NULL; detailCounter is the last detail number used
+// and is advanced before each line. Throws SaveDataError for an unreadable date.
 QList<DetailLine> fnInsertOtherDays(const FlexGridModel& dayGrid, const FlexGridModel& mirror,
                                     int& detailCounter);
 
@@ -70,6 +70,10 @@ QList<DetailLine> detailLinesToInsert(const FlexGridModel& dayGrid, const FlexGr
 // SaveDataError for an unreadable date or Hours.
 QList<AllowanceLine> allowanceLinesToInsert(const FlexGridModel& dayGrid, int allowanceId,
                                             int deductionId);
+
+// What OK says when the period shares a day with another live entry of the employee: that
+// entry's number and period ("dd/mm/yyyy"), and that nothing was saved.
+QString overlapMessage(const QString& entryNo, QDate start, QDate end);
 
 // The save's "Process Attendance" check: no day rows, or no pair anywhere in the period
 // while some day is other than "P".

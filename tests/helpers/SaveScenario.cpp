@@ -87,6 +87,8 @@ void fillForm(qz2::frmEmployeeDailyAttendance& form, const Scenario& s) {
         for (const ScenarioPair& p : s.days[i].pairs)
             mirror.AddItem({dateText(date), QString::number(++slNo), p.checkIn, p.checkOut});
     }
+    // Holidays are scheduled at zero, as Populate leaves them.
+    form.fnZeroHolidaySchedule();
     form.fnCalculateTotalHours();
     form.fnFindtheAdditionalWorkingHours();
     for (int i = 0; i < s.days.size(); ++i) {
