@@ -24,6 +24,8 @@
 
 #include "TestSupport.h"
 #include "entry/frmEmployeeDailyAttendance.h"
+#include "rules/Hours.h"
+#include "rules/Pairs.h"
 #include "rules/Population.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -752,4 +754,130 @@ TEST_F(PairsFixture, ClearingTheSelectionLeavesNoDataCellCurrent) {
     // The time being picked was committed on the way.
     EXPECT_TRUE(picker()->isHidden());
     EXPECT_EQ(mirrorOf(kMonday).last(), QStringLiteral("2 14:00-17:45"));
+}
+
+// ---- The claim follows its day ----------------------------------------------------------------
+
+TEST_F(PairsFixture, AClaimWhoseDifferenceChangesSideWithTheSameSizeBecomesADeduction) {
+    showDay(1);  // Monday: 09:00-13:00 and 14:00-17:00 against eight hours
+    click(2, 3);
+    type("1900");  // nine hours worked: one hour over
+    key(Qt::Key_Tab);
+    EXPECT_EQ(form->chkAllowanceDeductions->text(), QStringLiteral("Allowances"));
+    EXPECT_EQ(form->txtAllowanceDeductions->text(), QStringLiteral("01.00"));
+    form->chkAllowanceDeductions->click();
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 6), QStringLiteral("A"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 5), QStringLiteral("01.00"));
+    // Back to 17:00: one hour short, the same "01.00" in the amount box.
+    click(2, 3);
+    type("1700");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(form->chkAllowanceDeductions->text(), QStringLiteral("Deductions"));
+    EXPECT_EQ(form->txtAllowanceDeductions->text(), QStringLiteral("01.00"));
+    EXPECT_TRUE(form->chkAllowanceDeductions->isChecked());
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 6), QStringLiteral("D"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 5), QStringLiteral("01.00"));
+    // Worked equal to scheduled: nothing is claimed any more.
+    click(2, 3);
+    type("1800");
+    key(Qt::Key_Tab);
+    EXPECT_FALSE(form->chkAllowanceDeductions->isChecked());
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 6), QString());
+    EXPECT_TRUE(messages().isEmpty());
+}
+
+TEST_F(PairsFixture, ATypedAmountStandsUntilTheDaysTimesChange) {
+    showDay(1);
+    form->chkAllowanceDeductions->click();  // claims the hour short
+    EXPECT_EQ(form->chkAllowanceDeductions->text(), QStringLiteral("Deductions"));
+    QLineEdit* amount = form->txtAllowanceDeductions;
+    amount->setFocus(Qt::OtherFocusReason);
+    amount->selectAll();
+    QTest::keyClicks(amount, QStringLiteral("00.30"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 5), QStringLiteral("00.30"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 6), QStringLiteral("D"));
+    // Walking through the day's times without changing them keeps the typed amount.
+    click(1, 2);
+    key(Qt::Key_Return);
+    key(Qt::Key_Return);
+    key(Qt::Key_Tab);
+    EXPECT_EQ(amount->text(), QStringLiteral("00.30"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 5), QStringLiteral("00.30"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 6), QStringLiteral("D"));
+    // A changed time works the amount out afresh.
+    click(2, 3);
+    type("1715");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(amount->text(), QStringLiteral("00.45"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 5), QStringLiteral("00.45"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 6), QStringLiteral("D"));
+}
+
+// ---- Amounts and times are valid or refused ---------------------------------------------------
+
+TEST_F(PairsFixture, TheAmountBoxTakesOnlyHoursAndMinutesOfADayAndNormalisesThem) {
+    showDay(1);
+    form->chkAllowanceDeductions->click();
+    QLineEdit* amount = form->txtAllowanceDeductions;
+    const auto typeAmount = [amount](const char* text) {
+        amount->setFocus(Qt::OtherFocusReason);
+        amount->selectAll();
+        QTest::keyClicks(amount, QString::fromLatin1(text));
+    };
+    // "25.00": the 5 is refused at the key, so the clerk sees "2.00".
+    typeAmount("25.00");
+    EXPECT_EQ(amount->text(), QStringLiteral("2.00"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 5), QStringLiteral("2.00"));
+    // Leaving the box writes it the way it is stored.
+    form->txtRemarks->setFocus(Qt::OtherFocusReason);
+    EXPECT_EQ(amount->text(), QStringLiteral("02.00"));
+    // Minutes past 59 cannot be typed; an unfinished amount is not claimed and is put back.
+    typeAmount("12:75");
+    EXPECT_EQ(amount->text(), QStringLiteral("12:5"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 5), QStringLiteral("02.00"));
+    form->txtRemarks->setFocus(Qt::OtherFocusReason);
+    EXPECT_EQ(amount->text(), QStringLiteral("02.00"));
+    typeAmount("1:30");
+    form->txtRemarks->setFocus(Qt::OtherFocusReason);
+    EXPECT_EQ(amount->text(), QStringLiteral("01.30"));
+    EXPECT_EQ(dayGrid()->TextMatrix(1, 6), QStringLiteral("D"));
+    // Emptied and left: the last amount comes back and the claim stays saveable.
+    typeAmount("");
+    amount->clear();
+    form->txtRemarks->setFocus(Qt::OtherFocusReason);
+    EXPECT_EQ(amount->text(), QStringLiteral("01.30"));
+    EXPECT_TRUE(rules::normaliseClaimAmount(dayGrid()->TextMatrix(1, 5)).has_value());
+}
+
+TEST_F(PairsFixture, ATypedTimeThatIsNoTimeOfDayIsRefusedWithAMessage) {
+    showDay(1);
+    const QString refused = rules::kMsgNotATimeOfDay;
+    for (const char* typed : {"25", "12:75", "2400", "2599"}) {
+        SCOPED_TRACE(typed);
+        msgbox_testing::clear();
+        click(2, 3);  // 17:00
+        ASSERT_EQ(QApplication::focusWidget(), picker());
+        // The clerk stops at the message.
+        const QString keys = QString::fromLatin1(typed);
+        for (const QChar c : keys) {
+            QTest::keyClicks(picker(), QString(c));
+            if (!messages().isEmpty()) break;
+        }
+        EXPECT_EQ(messages(), QStringList{refused});
+        // The cell's own time is back in the picker, and stays when the cell is left.
+        EXPECT_EQ(picker()->time(), QTime(17, 0));
+        key(Qt::Key_Tab);
+        EXPECT_EQ(grid()->TextMatrix(2, 3), QStringLiteral("17:00"));
+        EXPECT_EQ(mirrorOf(kMonday), QStringList({"1 09:00-13:00", "2 14:00-17:00"}));
+    }
+    // Real times go in as typed, without a word.
+    msgbox_testing::clear();
+    click(2, 3);
+    type("1830");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(grid()->TextMatrix(2, 3), QStringLiteral("18:30"));
+    click(2, 2);
+    type("9:30");
+    EXPECT_EQ(picker()->time(), QTime(9, 30));
+    EXPECT_TRUE(messages().isEmpty());
 }

@@ -748,3 +748,99 @@ TEST_F(EntrySaveThroughRegister, APopulatedEntrySavesWhatTheGridsShow) {
 }
 
 }  // namespace
+
+// ---------------------------------------------------------------------------------------
+// No two live entries of one employee share a day
+
+namespace {
+
+// A week of present days from `start`, each with one pair, keyed for the employee.
+qz2test::Scenario weekFrom(qint32 employee, QDate start, int days = 7) {
+    qz2test::Scenario s;
+    s.employee = employee;
+    s.start = start;
+    for (int i = 0; i < days; ++i)
+        s.days << qz2test::ScenarioDay{QStringLiteral("P"), {{"09:00", "17:00"}}, QString(),
+                                       QString()};
+    return s;
+}
+
+}  // namespace
+
+class EntryOverlap : public EntrySave {
+protected:
+    // Saves a week from `start` as a new entry; whether it saved.
+    bool saveWeek(QDate start, int days = 7) {
+        gstrEntryMode = QStringLiteral("N");
+        frmEmployeeDailyAttendance& f = scenarioForm(weekFrom(employee, start, days));
+        f.cmdOK_Click();
+        return f.saved();
+    }
+    qint32 lastId() const { return t.scalar("select max(eaID) from pEmployeeAttendence").toInt(); }
+    QString numberOf(qint32 id) const {
+        return t.scalar(QStringLiteral("select eaNo from pEmployeeAttendence where eaID=%1").arg(id))
+            .toString();
+    }
+    // A new week from `start` is refused, naming the entry it meets; nothing is written.
+    void expectOverlapRefused(QDate start, int days, const QString& message) {
+        gstrEntryMode = QStringLiteral("N");
+        frmEmployeeDailyAttendance& f = scenarioForm(weekFrom(employee, start, days));
+        const QString before = t.dump();
+        f.cmdOK_Click();
+        expectRefused(message, MsgIcon::Information, before);
+    }
+};
+
+TEST_F(EntryOverlap, TouchingPeriodsSaveOneSharedDayIsRefusedWithTheEntrysNumberAndPeriod) {
+    ASSERT_TRUE(saveWeek(QDate(2026, 11, 9))) << lastMessage().toStdString();  // 9-15 November
+    const qint32 week = lastId();
+    const QString message = QStringLiteral(
+                                "The period overlaps attendance entry %1 of this employee "
+                                "(09/11/2026 to 15/11/2026), which is not cancelled. Nothing was "
+                                "saved: correct the period, or edit or cancel that entry first.")
+                                .arg(numberOf(week));
+    // One shared day at the end, at the start, or inside: refused.
+    expectOverlapRefused(QDate(2026, 11, 15), 7, message);
+    expectOverlapRefused(QDate(2026, 11, 3), 7, message);
+    expectOverlapRefused(QDate(2026, 11, 12), 1, message);
+    // The day after and the day before: saved.
+    EXPECT_TRUE(saveWeek(QDate(2026, 11, 16))) << lastMessage().toStdString();
+    EXPECT_TRUE(saveWeek(QDate(2026, 11, 2))) << lastMessage().toStdString();
+}
+
+TEST_F(EntryOverlap, ACancelledEntryNeverBlocks) {
+    ASSERT_TRUE(saveWeek(QDate(2026, 11, 9)));
+    t.exec(QStringLiteral("update pEmployeeAttendence set eaCancelled=1 where eaID=%1").arg(lastId()));
+    EXPECT_TRUE(saveWeek(QDate(2026, 11, 9))) << lastMessage().toStdString();
+}
+
+TEST_F(EntryOverlap, AnEditNeverBlocksItselfButMeetsTheOthers) {
+    ASSERT_TRUE(saveWeek(QDate(2026, 11, 9)));
+    const qint32 first = lastId();
+    ASSERT_TRUE(saveWeek(QDate(2026, 11, 16)));
+    const qint32 second = lastId();
+
+    // The first week saved again over itself.
+    gstrEntryMode = QStringLiteral("E");
+    frmEmployeeDailyAttendance& same = scenarioForm(weekFrom(employee, QDate(2026, 11, 9)));
+    same.lngAttendanceID = first;
+    same.txtAttNo->setText(numberOf(first));
+    same.txtAttdate->setText(QStringLiteral("21/11/2026"));
+    same.cmdOK_Click();
+    EXPECT_TRUE(same.saved()) << lastMessage().toStdString();
+    const qint32 resaved = lastId();
+
+    // The second week stretched back into the first: refused, and the second stays.
+    gstrEntryMode = QStringLiteral("E");
+    frmEmployeeDailyAttendance& longer = scenarioForm(weekFrom(employee, QDate(2026, 11, 14), 9));
+    longer.lngAttendanceID = second;
+    longer.txtAttNo->setText(numberOf(second));
+    longer.txtAttdate->setText(QStringLiteral("21/11/2026"));
+    const QString before = t.dump();
+    longer.cmdOK_Click();
+    expectRefused(QStringLiteral("The period overlaps attendance entry %1 of this employee "
+                                 "(09/11/2026 to 15/11/2026), which is not cancelled. Nothing was "
+                                 "saved: correct the period, or edit or cancel that entry first.")
+                      .arg(numberOf(resaved)),
+                  MsgIcon::Information, before);
+}

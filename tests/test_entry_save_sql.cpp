@@ -7,6 +7,7 @@
 #include <QDateTime>
 #include <QSqlQuery>
 #include <QTime>
+#include <optional>
 
 #include "TestSupport.h"
 #include "TsqlCheck.h"
@@ -136,6 +137,21 @@ TEST(SaveSqlServerText, AllowanceRead) {
                "eaadAttendanceID= 7 And  eaadCompanyID= 1");
 }
 
+TEST(SaveSqlServerText, OverlapCheckLocksWhatItReadsUntilTheSaveEnds) {
+    linkPhysicalNames();
+    expectTsql(overlappingEntryQuery(kServer, 1, 5, QDate(2026, 11, 1), QDate(2026, 11, 30),
+                                     std::nullopt),
+               "Select top 1 eaNo,eaStartDate,eaEndDate from tblAttendance with (updlock, "
+               "holdlock) where eaCompanyID=1 and eaEmpID=5 and eaCancelled=0 and "
+               "eaStartDate<='20261130' and eaEndDate>='20261101' order by eaStartDate");
+    // An edit never blocks itself.
+    expectTsql(overlappingEntryQuery(kServer, 1, 5, QDate(2026, 11, 1), QDate(2026, 11, 30), 42),
+               "Select top 1 eaNo,eaStartDate,eaEndDate from tblAttendance with (updlock, "
+               "holdlock) where eaCompanyID=1 and eaEmpID=5 and eaCancelled=0 and "
+               "eaStartDate<='20261130' and eaEndDate>='20261101' and eaID<>42 order by "
+               "eaStartDate");
+}
+
 TEST(SaveSqlServerText, TheServerWaitsForLocksByItself) {
     EXPECT_FALSE(lockWaitQuery(kServer).has_value());
     EXPECT_FALSE(setLockWait(kServer, 1000).has_value());
@@ -185,6 +201,31 @@ TEST(SaveValues, StoredHoursReadBackAsTheGridsHoursText) {
 
 // ---------------------------------------------------------------------------------------
 // SQLite texts, run
+
+TEST(SaveSqlite, OverlapCheckFindsOnlyLiveEntriesOfTheEmployeeSharingADay) {
+    TestDb t;
+    seedEntries(t);  // entry 7 of company 1: employee 5, 2 to 4 November
+    t.exec(
+        "insert into pEmployeeAttendence(eaCompanyID,eaID,eaNo,eaDate,eaEmpID,eaPresent,eaLeaves,"
+        "eaAbsent,eaCancelled,eaStartDate,eaEndDate,eacwtsid) values"
+        "(1,8,'ATT8','2026-11-10',5,1,0,0,1,'2026-11-05','2026-11-06',3),"  // cancelled
+        "(1,9,'ATT9','2026-11-10',6,1,0,0,0,'2026-11-05','2026-11-06',3)");  // another employee
+    const auto found = [&t](QDate from, QDate to, std::optional<qint32> edited = std::nullopt) {
+        QSqlQuery q(t.db);
+        EXPECT_TRUE(q.exec(overlappingEntryQuery(kLite, 1, 5, from, to, edited)));
+        return q.next() ? q.value(0).toString() + QLatin1Char('|') + q.value(1).toString() +
+                              QLatin1Char('|') + q.value(2).toString()
+                        : QString();
+    };
+    // One shared day at either end is an overlap; touching is not.
+    EXPECT_EQ(found(QDate(2026, 10, 1), QDate(2026, 11, 2)), "ATT7|2026-11-02|2026-11-04");
+    EXPECT_EQ(found(QDate(2026, 11, 4), QDate(2026, 11, 30)), "ATT7|2026-11-02|2026-11-04");
+    EXPECT_EQ(found(QDate(2026, 11, 3), QDate(2026, 11, 3)), "ATT7|2026-11-02|2026-11-04");
+    EXPECT_EQ(found(QDate(2026, 10, 1), QDate(2026, 11, 1)), QString());
+    EXPECT_EQ(found(QDate(2026, 11, 5), QDate(2026, 11, 30)), QString());
+    // The entry being edited, a cancelled entry and another employee's never block.
+    EXPECT_EQ(found(QDate(2026, 11, 1), QDate(2026, 11, 30), 7), QString());
+}
 
 TEST(SaveSqlite, HeaderReadPutsABlankWhereTSqlGluesTheCompany) {
     TestDb t;

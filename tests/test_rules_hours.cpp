@@ -304,3 +304,27 @@ TEST(FindtheAdditionalWorkingHours, ClaimedDaysKeepTheirAmount) {
     EXPECT_EQ(days.TextMatrix(2, 5), QStringLiteral("01.30"));
     EXPECT_EQ(days.TextMatrix(3, 5), QStringLiteral("01:00"));
 }
+
+// ---- The claim amount box ------------------------------------------------------------------
+
+TEST(ClaimAmount, HoursAndTwoDigitMinutesWithinADayAreTakenAndNormalised) {
+    EXPECT_EQ(normaliseClaimAmount("01.30"), QStringLiteral("01.30"));
+    EXPECT_EQ(normaliseClaimAmount("1:30"), QStringLiteral("01.30"));
+    EXPECT_EQ(normaliseClaimAmount("0.05"), QStringLiteral("00.05"));
+    EXPECT_EQ(normaliseClaimAmount("23:59"), QStringLiteral("23.59"));
+    EXPECT_EQ(normaliseClaimAmount("00.00"), QStringLiteral("00.00"));
+    EXPECT_EQ(normaliseClaimAmount(" 02:45 "), QStringLiteral("02.45"));
+}
+
+TEST(ClaimAmount, AnythingElseIsRefused) {
+    for (const char* text : {"", "1", "1.", "1.5", "24.00", "25.00", "12.60", "12.75", "99.99",
+                             "123.00", ".30", "1,30", "1.300", "-1.00", "ab.cd", "01-30"})
+        EXPECT_FALSE(normaliseClaimAmount(QString::fromLatin1(text))) << text;
+}
+
+TEST(ClaimAmount, BeginningsOfAnAmountMayBeTypedOn) {
+    for (const char* text : {"", "1", "12", "23", "1.", "12:", "12.3", "12.5", "0.0"})
+        EXPECT_TRUE(isClaimAmountBeginning(QString::fromLatin1(text))) << text;
+    for (const char* text : {"24", "25", "12.6", "12.7", "12.345", ".", ":3", "1a", "123"})
+        EXPECT_FALSE(isClaimAmountBeginning(QString::fromLatin1(text))) << text;
+}
