@@ -858,3 +858,75 @@ TEST_F(EntryEdit, AWorkedHolidayReopensScheduledAtZeroAndItsAllowanceStaysAnAllo
                                     .arg(saved)),
               QStringList{"2|11|NULL"});
 }
+
+// ---------------------------------------------------------------------------------------
+// An edit saves only over what it opened
+
+TEST_F(EntryEdit, AnEntryCancelledSinceItWasOpenedIsNotWrittenAgain) {
+    const qint32 id = saveScenario(qz2test::demoScenario(employee, kStart));
+    const QString number =
+        t.scalar(QStringLiteral("select eaNo from pEmployeeAttendence where eaID=%1").arg(id))
+            .toString();
+    frmEmployeeDailyAttendance& f = load(id);
+    qz2test::applyStandardEdit(f, kStart);
+    const QString keyed = qz2test::formSnapshot(f);
+    // Another clerk cancels it meanwhile.
+    t.exec(QStringLiteral("update pEmployeeAttendence set eacancelled=1,eaCancelledRemarks="
+                          "'clerk:wrong month' where eaID=%1")
+               .arg(id));
+    const QString before = t.dump();
+    msgbox_testing::clear();
+    f.cmdOK_Click();
+    EXPECT_FALSE(f.saved());
+    EXPECT_EQ(lastMessage(), number + QStringLiteral(" was cancelled since you opened it. Nothing "
+                                                     "was saved."));
+    EXPECT_EQ(t.dump(), before);
+    EXPECT_EQ(qz2test::formSnapshot(f), keyed);
+}
+
+TEST_F(EntryEdit, AnEntrySavedByAnotherClerkSinceItWasOpenedIsNotOverwritten) {
+    const qint32 id = saveScenario(qz2test::demoScenario(employee, kStart));
+    const QString number =
+        t.scalar(QStringLiteral("select eaNo from pEmployeeAttendence where eaID=%1").arg(id))
+            .toString();
+    const QString saidStale =
+        number + QStringLiteral(" was saved by another clerk since you opened it. Nothing was "
+                                "saved: close this form and open the entry again to see their "
+                                "changes.");
+    // Clerk A opens it; clerk B opens it too, corrects it and saves (under a new identifier).
+    frmEmployeeDailyAttendance a;
+    ASSERT_TRUE(a.fnLoadEntry(QString::number(id), false));
+    frmEmployeeDailyAttendance& b = load(id);
+    qz2test::applyStandardEdit(b, kStart);
+    b.cmdOK_Click();
+    ASSERT_TRUE(b.saved()) << lastMessage().toStdString();
+    const QString afterB = t.dump();
+    msgbox_testing::clear();
+    a.cmdOK_Click();
+    EXPECT_FALSE(a.saved());
+    EXPECT_EQ(lastMessage(), saidStale);
+    EXPECT_EQ(t.dump(), afterB);
+    // Two live copies with one number never come about.
+    EXPECT_EQ(t.scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaNo='%1' "
+                                      "and eaCancelled=0")
+                           .arg(number))
+                  .toInt(),
+              1);
+    // A changed value under the same identifier is caught as well.
+    const qint32 current = t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+    frmEmployeeDailyAttendance& c = load(current);
+    t.exec(QStringLiteral("update pEmployeeAttendence set eaRemarks='changed' where eaID=%1")
+               .arg(current));
+    msgbox_testing::clear();
+    c.cmdOK_Click();
+    EXPECT_FALSE(c.saved());
+    EXPECT_EQ(lastMessage(), saidStale);
+}
+
+TEST_F(EntryEdit, OpeningReadsTheCancelledStateFromTheDatabase) {
+    const qint32 id = saveScenario(qz2test::demoScenario(employee, kStart));
+    t.exec(QStringLiteral("update pEmployeeAttendence set eacancelled=1 where eaID=%1").arg(id));
+    // The list still shows "No" (it was read before the cancel): saving stays unavailable.
+    frmEmployeeDailyAttendance& f = load(id, /*cancelled=*/false);
+    EXPECT_FALSE(f.cmdOK->isEnabled());
+}

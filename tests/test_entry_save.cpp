@@ -211,7 +211,7 @@ TEST_F(EntrySave, EditingAnEntryThatAMonthlyEntryOverlapsSaysCanotModify) {
                .arg(employee));
     gstrEntryMode = QStringLiteral("E");
     frmEmployeeDailyAttendance& edit = scenarioForm(qz2test::demoScenario(employee, kStart));
-    edit.lngAttendanceID = nextId;
+    qz2test::openedAs(edit, nextId);
     edit.txtAttNo->setText(nextNo);
     edit.txtAttdate->setText(QStringLiteral("21/11/2026"));
     const QString before = t.dump();
@@ -230,7 +230,7 @@ TEST_F(EntrySave, ACancelledMonthlyEntryDoesNotStopAnEdit) {
                .arg(employee));
     gstrEntryMode = QStringLiteral("E");
     frmEmployeeDailyAttendance& edit = scenarioForm(qz2test::demoScenario(employee, kStart));
-    edit.lngAttendanceID = nextId;
+    qz2test::openedAs(edit, nextId);
     edit.txtAttNo->setText(nextNo);
     edit.txtAttdate->setText(QStringLiteral("21/11/2026"));
     edit.cmdOK_Click();
@@ -823,7 +823,7 @@ TEST_F(EntryOverlap, AnEditNeverBlocksItselfButMeetsTheOthers) {
     // The first week saved again over itself.
     gstrEntryMode = QStringLiteral("E");
     frmEmployeeDailyAttendance& same = scenarioForm(weekFrom(employee, QDate(2026, 11, 9)));
-    same.lngAttendanceID = first;
+    qz2test::openedAs(same, first);
     same.txtAttNo->setText(numberOf(first));
     same.txtAttdate->setText(QStringLiteral("21/11/2026"));
     same.cmdOK_Click();
@@ -833,7 +833,7 @@ TEST_F(EntryOverlap, AnEditNeverBlocksItselfButMeetsTheOthers) {
     // The second week stretched back into the first: refused, and the second stays.
     gstrEntryMode = QStringLiteral("E");
     frmEmployeeDailyAttendance& longer = scenarioForm(weekFrom(employee, QDate(2026, 11, 14), 9));
-    longer.lngAttendanceID = second;
+    qz2test::openedAs(longer, second);
     longer.txtAttNo->setText(numberOf(second));
     longer.txtAttdate->setText(QStringLiteral("21/11/2026"));
     const QString before = t.dump();

@@ -131,6 +131,25 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
                 gadocon, entry::savesql::overlappingEntryQuery(
                              d, gintCompanyID, employee, periodStart, periodEnd,
                              editMode ? std::optional<qint32>(lngAttendanceID) : std::nullopt));
+            // An edit is saved only over the stored entry it opened: not over one cancelled
+            // meanwhile, nor over another clerk's save of it.
+            std::optional<QString> stale;
+            if (editMode) {
+                const db::Recordset stored = db::openRecordset(
+                    gadocon, entry::savesql::headerQuery(d, gintCompanyID,
+                                                         QString::number(lngAttendanceID)));
+                QStringList names;
+                for (int i = 0; i < stored.fieldCount(); ++i) names << stored.fieldName(i);
+                stale = rules::staleEditMessage(
+                    txtAttNo->text(), strOpenedHeader,
+                    stored.eof() ? QStringList() : rules::headerFingerprint(names, stored.row(0)),
+                    !stored.eof() && db::isOn(stored.field(QStringLiteral("eaCancelled"))));
+            }
+            if (stale) {
+                transaction.rollback();
+                MsgBox(*stale, MsgButtons::Ok, MsgIcon::Information);
+                return;
+            }
             if (!other.eof()) {
                 const QString message = rules::overlapMessage(
                     other.field(0).toString(),

@@ -200,6 +200,9 @@ public:
     QString strWorkTimeCondition;     // "" or " and cwtsdepartmentid=<dept>"
     qint32 lngWorkTimeSettingID = 0;  // the entry's work-time setting (cwtsid)
     qint32 lngAttendanceID = 0;       // the entry being edited (mode "E")
+    // The edited entry's header as it was read when the form opened it: an edit is saved
+    // only over that same stored header.
+    QStringList strOpenedHeader;
     qint16 intGraceTime = 0;          // grace minutes
     bool blnConsiderLeaveHolidays = false;
     std::array<TimeValue, 8> weekdayWorkingHours{};  // by day number 1..7

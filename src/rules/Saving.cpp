@@ -111,6 +111,27 @@ QString overlapMessage(const QString& entryNo, QDate start, QDate end) {
         .arg(entryNo.trimmed(), dateText(start), dateText(end));
 }
 
+QStringList headerFingerprint(const QStringList& names, const QVector<QVariant>& values) {
+    QStringList out;
+    for (int i = 0; i < names.size() && i < values.size(); ++i)
+        out << names[i].toLower() + QLatin1Char('=') +
+                   (values[i].isNull() ? QStringLiteral("NULL") : values[i].toString());
+    return out;
+}
+
+std::optional<QString> staleEditMessage(const QString& entryNo, const QStringList& opened,
+                                        const QStringList& stored, bool storedCancelled) {
+    const QString no = entryNo.trimmed();
+    if (!stored.isEmpty() && storedCancelled)
+        return QStringLiteral("%1 was cancelled since you opened it. Nothing was saved.").arg(no);
+    if (stored.isEmpty() || stored != opened)
+        return QStringLiteral("%1 was saved by another clerk since you opened it. Nothing was "
+                              "saved: close this form and open the entry again to see their "
+                              "changes.")
+            .arg(no);
+    return std::nullopt;
+}
+
 bool processAttendanceMissing(const FlexGridModel& dayGrid, const FlexGridModel& mirror) {
     if (dayGrid.Rows() < 2) return true;
     if (mirror.Rows() >= 2) return false;

@@ -7,6 +7,9 @@
 #include <QDate>
 #include <QList>
 #include <QString>
+#include <QStringList>
+#include <QVariant>
+#include <QVector>
 #include <optional>
 #include <stdexcept>
 
@@ -74,6 +77,17 @@ QList<AllowanceLine> allowanceLinesToInsert(const FlexGridModel& dayGrid, int al
 // What OK says when the period shares a day with another live entry of the employee: that
 // entry's number and period ("dd/mm/yyyy"), and that nothing was saved.
 QString overlapMessage(const QString& entryNo, QDate start, QDate end);
+
+// A stored header row as text, column by column ("name=value", NULL as "NULL"): two reads of
+// the same row give the same text, so an edit can tell whether the entry it opened was
+// changed (saved again, cancelled) by someone else meanwhile.
+QStringList headerFingerprint(const QStringList& names, const QVector<QVariant>& values);
+
+// Why an edit must not be saved over the stored entry it opened; nullopt when the stored
+// header is still the one the form loaded. `stored` is empty when the entry's row is gone
+// (another clerk's edit saved it under a new identifier).
+std::optional<QString> staleEditMessage(const QString& entryNo, const QStringList& opened,
+                                        const QStringList& stored, bool storedCancelled);
 
 // The save's "Process Attendance" check: no day rows, or no pair anywhere in the period
 // while some day is other than "P".

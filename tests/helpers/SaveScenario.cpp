@@ -11,12 +11,16 @@
 #include <QSqlQuery>
 #include <stdexcept>
 
+#include "db/Database.h"
+#include "db/Dialect.h"
 #include "demo/DemoData.h"
+#include "entry/SaveSql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "rules/HalfDay.h"
 #include "rules/Pairs.h"
 #include "rules/Population.h"
 #include "rules/RuleGrids.h"
+#include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/TimeValue.h"
@@ -99,6 +103,18 @@ void fillForm(qz2::frmEmployeeDailyAttendance& form, const Scenario& s) {
     }
     form.fnCountDayTypes();
     form.txtRemarks->setText(s.remarks);
+}
+
+void openedAs(qz2::frmEmployeeDailyAttendance& form, qint32 id) {
+    using namespace qz2;
+    const db::Recordset header = db::openRecordset(
+        gadocon, entry::savesql::headerQuery(db::Dialect::of(gadocon), gintCompanyID,
+                                             QString::number(id)));
+    QStringList names;
+    for (int i = 0; i < header.fieldCount(); ++i) names << header.fieldName(i);
+    form.lngAttendanceID = id;
+    form.strOpenedHeader =
+        header.eof() ? QStringList() : rules::headerFingerprint(names, header.row(0));
 }
 
 void applyStandardEdit(qz2::frmEmployeeDailyAttendance& form, QDate start) {

@@ -56,6 +56,10 @@ Scenario busyMonthScenario(qint32 employee, QDate start, int days = 31);
 // computes schedule and worked hours, writes the claims and counts the day types.
 void fillForm(qz2::frmEmployeeDailyAttendance& form, const Scenario& s);
 
+// The form saves as an edit of stored entry `id`, as if it had opened it: the entry's
+// identifier and its header as stored now (what an edit may be saved over).
+void openedAs(qz2::frmEmployeeDailyAttendance& form, qint32 id);
+
 // The corrections made to a demoScenario entry loaded for edit: the first pair's check-out
 // becomes 12:45, the half day (fourth day) becomes absent and loses its pair, and the
 // allowance of the second day is withdrawn (its amount kept, nothing claimed). Hours and
