@@ -1,49 +1,235 @@
 // qz2-attendance: opens the attendance register on a database, as a host application of
 // the suite would: it opens the connection, fills clsAttendance with the caller context and
 // calls Show().
+//
+// Exit codes: 0 done, 1 the register's picture could not be made, 2 bad options, 3 a
+// database that cannot be opened or is not an attendance database, 4 no display.
+
+#include <QZ2EmpDailyAtten/clsAttendance.h>
 
 #include <QApplication>
 #include <QCommandLineParser>
 #include <QDir>
-#include <QFileInfo>
-#include <QGuiApplication>
-#include <QScreen>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QStandardPaths>
+#include <QFile>
 #include <QTimer>
-#include <QZ2EmpDailyAtten/clsAttendance.h>
 #include <cstdio>
+#include <optional>
 
-#include "demo/DemoData.h"
+#include "HostDatabase.h"
 #include "register/FrmMaster.h"
+
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
 
 namespace {
 
 constexpr int kExitUsage = 2;
 constexpr int kExitDatabase = 3;
 constexpr int kExitDisplay = 4;
+constexpr char kProgram[] = "qz2-attendance";
 
-bool hasDisplay(int argc, char** argv) {
+void say(const QString& line) {
+    std::fprintf(stderr, "%s: %s\n", kProgram, qPrintable(line));
+}
+
+// Options that Qt itself reads from the command line (QGuiApplication, QApplication and the
+// X11 platform), with a value or without. They are Qt's to take, not ours to refuse.
+bool isQtOptionWithValue(const QString& a) {
+    static const QStringList names{
+        QStringLiteral("platform"),        QStringLiteral("platformpluginpath"),
+        QStringLiteral("platformtheme"),   QStringLiteral("plugin"),
+        QStringLiteral("qwindowgeometry"), QStringLiteral("qwindowtitle"),
+        QStringLiteral("qwindowicon"),     QStringLiteral("display"),
+        QStringLiteral("session"),         QStringLiteral("style"),
+        QStringLiteral("stylesheet")};
+    return a.startsWith(QLatin1Char('-')) && !a.startsWith(QLatin1String("---")) &&
+           names.contains(a.mid(a.startsWith(QLatin1String("--")) ? 2 : 1));
+}
+bool isQtFlag(const QString& a) {
+    static const QStringList names{QStringLiteral("reverse"),     QStringLiteral("widgetcount"),
+                                   QStringLiteral("nograb"),      QStringLiteral("dograb"),
+                                   QStringLiteral("testability"), QStringLiteral("sync")};
+    const QString bare = a.mid(a.startsWith(QLatin1String("--")) ? 2 : 1);
+    return a.startsWith(QLatin1Char('-')) &&
+           (names.contains(bare) || bare.startsWith(QLatin1String("style=")) ||
+            bare.startsWith(QLatin1String("stylesheet=")) ||
+            bare.startsWith(QLatin1String("qmljsdebugger=")));
+}
+
+// The program's own arguments, Qt's options left out (QApplication takes those from argv).
+QStringList ownArguments(int argc, char** argv, bool* platformGiven) {
+    QStringList out{QString::fromLocal8Bit(argv[0])};
     for (int i = 1; i < argc; ++i) {
-        const QByteArray a(argv[i]);
-        if (a == "--help" || a == "-h" || a == "--version" || a == "-v" || a.startsWith("--screenshot")) return true;
-        if (a == "-platform") return true;
+        const QString a = QString::fromLocal8Bit(argv[i]);
+        if (a == QLatin1String("--")) {
+            for (++i; i < argc; ++i) out << QString::fromLocal8Bit(argv[i]);
+            break;
+        }
+        if (isQtOptionWithValue(a)) {
+            if (a.endsWith(QLatin1String("platform")) && platformGiven) *platformGiven = true;
+            ++i;  // its value
+            continue;
+        }
+        if (isQtFlag(a)) continue;
+        out << a;
     }
-    if (!qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) return true;
-    return !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    return out;
 }
 
-QString defaultDemoPath() {
-    const QString dir = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    QDir().mkpath(dir);
-    return dir + QStringLiteral("/demo.sqlite");
+// What the register's command line asks for.
+struct RegisterOptions {
+    qz2::host::DatabaseChoice database;
+    qint16 company = 1;
+    qint16 user = 1;
+    QDate processDate = QDate::currentDate();
+    QString title;
+    QString screenshot;  // a PNG to draw the register into, then exit
+};
+
+// Parses the register's options. A value when the run ends here: 0 after --help or
+// --version, kExitUsage after a bad option (told in one line).
+std::optional<int> parseRegisterOptions(const QStringList& arguments, RegisterOptions& o) {
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        QStringLiteral("Daily attendance: the register of attendance entries."));
+    const QCommandLineOption help({QStringLiteral("h"), QStringLiteral("help")},
+                                  QStringLiteral("Displays help on commandline options."));
+    const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
+                                     QStringLiteral("Displays version information."));
+    const QCommandLineOption database(QStringLiteral("database"),
+                                      QStringLiteral("SQLite database file to open."),
+                                      QStringLiteral("FILE"));
+    const QCommandLineOption odbc(
+        QStringLiteral("odbc"), QStringLiteral("ODBC connection string of a SQL Server database."),
+        QStringLiteral("CONNECTION STRING"));
+    const QCommandLineOption company(QStringLiteral("company"),
+                                     QStringLiteral("Company identifier (default 1)."),
+                                     QStringLiteral("ID"), QStringLiteral("1"));
+    const QCommandLineOption user(QStringLiteral("user"),
+                                  QStringLiteral("User identifier (default 1)."),
+                                  QStringLiteral("ID"), QStringLiteral("1"));
+    const QCommandLineOption date(QStringLiteral("date"),
+                                  QStringLiteral("Business date, yyyy-mm-dd (default today)."),
+                                  QStringLiteral("DATE"));
+    const QCommandLineOption title(QStringLiteral("title"),
+                                   QStringLiteral("Title of every message box."),
+                                   QStringLiteral("TEXT"), QStringLiteral("Daily Attendance"));
+    const QCommandLineOption screenshot(
+        QStringLiteral("screenshot"),
+        QStringLiteral("Render the opened register to a PNG file and exit."),
+        QStringLiteral("FILE"));
+    parser.addOptions({help, version, database, odbc, company, user, date, title, screenshot});
+
+    if (!parser.parse(arguments)) {
+        say(parser.errorText() + QStringLiteral(" See --help."));
+        return kExitUsage;
+    }
+    if (parser.isSet(help)) {
+        QString text = parser.helpText();
+        text.replace(QLatin1String("<executable_name>"), QLatin1String(kProgram));
+        std::fputs(qPrintable(text), stdout);
+        return 0;
+    }
+    if (parser.isSet(version)) {
+        std::printf("%s %s\n", kProgram, QZ2_VERSION);
+        return 0;
+    }
+    if (!parser.positionalArguments().isEmpty()) {
+        say(QStringLiteral("unexpected argument '%1'. See --help.")
+                .arg(parser.positionalArguments().first()));
+        return kExitUsage;
+    }
+
+    bool okCompany = false, okUser = false;
+    const int companyId = parser.value(company).toInt(&okCompany);
+    const int userId = parser.value(user).toInt(&okUser);
+    if (!okCompany || companyId < -32768 || companyId > 32767 || !okUser || userId < -32768 ||
+        userId > 32767) {
+        say(QStringLiteral("--company and --user take whole numbers from -32768 to 32767."));
+        return kExitUsage;
+    }
+    o.company = static_cast<qint16>(companyId);
+    o.user = static_cast<qint16>(userId);
+    if (parser.isSet(date)) {
+        o.processDate = QDate::fromString(parser.value(date), Qt::ISODate);
+        if (!o.processDate.isValid()) {
+            say(QStringLiteral("--date takes a date as yyyy-mm-dd, not '%1'.")
+                    .arg(parser.value(date)));
+            return kExitUsage;
+        }
+    }
+    if (parser.isSet(database) && parser.isSet(odbc)) {
+        say(QStringLiteral("give either --database or --odbc, not both."));
+        return kExitUsage;
+    }
+    o.database.sqliteFile = parser.value(database);
+    o.database.odbc = parser.value(odbc);
+    if (parser.isSet(database) && o.database.sqliteFile.isEmpty()) {
+        say(QStringLiteral("--database takes a file name. See --help."));
+        return kExitUsage;
+    }
+    if (parser.isSet(odbc) && o.database.odbc.isEmpty()) {
+        say(QStringLiteral("--odbc takes a connection string. See --help."));
+        return kExitUsage;
+    }
+    o.title = parser.value(title);
+    o.screenshot = parser.value(screenshot);
+    if (parser.isSet(screenshot) && o.screenshot.isEmpty()) {
+        say(QStringLiteral("--screenshot takes a file name. See --help."));
+        return kExitUsage;
+    }
+    return std::nullopt;
 }
 
-}  // namespace
+bool displayAvailable(bool platformGiven) {
+    return platformGiven || !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") ||
+           !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
 
-int main(int argc, char** argv) {
-    if (!hasDisplay(argc, argv)) {
+// Qt wants a private runtime folder and complains on every run without one (a root shell, a
+// service, CI). Give it one of our own, made for this user only, as Qt would make it.
+void provideRuntimeFolder() {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    if (!qEnvironmentVariableIsEmpty("XDG_RUNTIME_DIR")) return;
+    const QByteArray dir =
+        QFile::encodeName(QDir::tempPath()) + "/qz2-runtime-" + QByteArray::number(getuid());
+    ::mkdir(dir.constData(), 0700);
+    struct stat st {};
+    // Only a folder that is ours alone will do; otherwise Qt says what is wrong with it.
+    if (::lstat(dir.constData(), &st) == 0 && S_ISDIR(st.st_mode) && st.st_uid == getuid() &&
+        (st.st_mode & 0777) == 0700)
+        qputenv("XDG_RUNTIME_DIR", dir);
+#endif
+}
+
+// The offscreen platform (pictures without a display) has no window manager to tell a
+// window's size limits to, and says so for every window; there is nothing to be done about
+// it, so that one remark is not passed on. Everything else is.
+QtMessageHandler g_qtHandler = nullptr;
+void quietOffscreenRemarks(QtMsgType type, const QMessageLogContext& context,
+                           const QString& message) {
+    if (type == QtWarningMsg &&
+        message == QLatin1String("This plugin does not support propagateSizeHints()"))
+        return;
+    if (g_qtHandler) g_qtHandler(type, context, message);
+}
+
+// Opens the register on the options' database and runs it until the clerk closes it, or
+// draws it into the screenshot file.
+int runRegister(int argc, char** argv) {
+    bool platformGiven = false;
+    RegisterOptions options;
+    if (const std::optional<int> done =
+            parseRegisterOptions(ownArguments(argc, argv, &platformGiven), options))
+        return *done;
+
+    if (!options.screenshot.isEmpty() && !displayAvailable(platformGiven)) {
+        // A picture needs no screen.
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    } else if (!displayAvailable(platformGiven)) {
         std::fprintf(stderr,
                      "qz2-attendance: no display found (DISPLAY is not set).\n"
                      "Run it inside a desktop session, or under a virtual display:\n"
@@ -52,132 +238,60 @@ int main(int argc, char** argv) {
                      "  qz2-attendance --screenshot register.png\n");
         return kExitDisplay;
     }
-    bool screenshotOnly = false;
-    for (int i = 1; i < argc; ++i) {
-        const QByteArray a(argv[i]);
-        // Help, version and pictures need no screen.
-        if (a.startsWith("--screenshot") || a == "--help" || a == "-h" || a == "--version" || a == "-v")
-            screenshotOnly = true;
-    }
-    if (screenshotOnly && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
+    provideRuntimeFolder();
+    g_qtHandler = qInstallMessageHandler(quietOffscreenRemarks);
 
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("qz2-attendance"));
+    QApplication::setApplicationName(QLatin1String(kProgram));
     QApplication::setOrganizationName(QStringLiteral("qz2"));
     QApplication::setApplicationVersion(QStringLiteral(QZ2_VERSION));
 
-    QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral("Daily attendance: the register of attendance entries."));
-    parser.addHelpOption();
-    parser.addVersionOption();
-    QCommandLineOption database(QStringLiteral("database"), QStringLiteral("SQLite database file to open."),
-                                QStringLiteral("FILE"));
-    QCommandLineOption odbc(QStringLiteral("odbc"), QStringLiteral("ODBC connection string of a SQL Server database."),
-                            QStringLiteral("CONNECTION STRING"));
-    QCommandLineOption company(QStringLiteral("company"), QStringLiteral("Company identifier (default 1)."),
-                               QStringLiteral("ID"), QStringLiteral("1"));
-    QCommandLineOption user(QStringLiteral("user"), QStringLiteral("User identifier (default 1)."), QStringLiteral("ID"),
-                            QStringLiteral("1"));
-    QCommandLineOption date(QStringLiteral("date"), QStringLiteral("Business date, yyyy-mm-dd (default today)."),
-                            QStringLiteral("DATE"));
-    QCommandLineOption title(QStringLiteral("title"), QStringLiteral("Title of every message box."),
-                             QStringLiteral("TEXT"), QStringLiteral("Daily Attendance"));
-    QCommandLineOption screenshot(QStringLiteral("screenshot"),
-                                  QStringLiteral("Render the opened register to a PNG file and exit."),
-                                  QStringLiteral("FILE"));
-    parser.addOptions({database, odbc, company, user, date, title, screenshot});
-    parser.process(app);
-
-    bool okCompany = false, okUser = false;
-    const int companyId = parser.value(company).toInt(&okCompany);
-    const int userId = parser.value(user).toInt(&okUser);
-    if (!okCompany || companyId < -32768 || companyId > 32767 || !okUser || userId < -32768 || userId > 32767) {
-        std::fprintf(stderr, "qz2-attendance: --company and --user take whole numbers from -32768 to 32767.\n");
-        return kExitUsage;
-    }
-    QDate processDate = QDate::currentDate();
-    if (parser.isSet(date)) {
-        processDate = QDate::fromString(parser.value(date), Qt::ISODate);
-        if (!processDate.isValid()) {
-            std::fprintf(stderr, "qz2-attendance: --date takes a date as yyyy-mm-dd, not '%s'.\n",
-                         qPrintable(parser.value(date)));
-            return kExitUsage;
-        }
-    }
-    if (parser.isSet(database) && parser.isSet(odbc)) {
-        std::fprintf(stderr, "qz2-attendance: give either --database or --odbc, not both.\n");
-        return kExitUsage;
-    }
-
-    QSqlDatabase db;
-    if (parser.isSet(odbc)) {
-        db = QSqlDatabase::addDatabase(QStringLiteral("QODBC"), QStringLiteral("attendance"));
-        db.setDatabaseName(parser.value(odbc));
-    } else {
-        QString file = parser.value(database);
-        bool createDemo = false;
-        if (file.isEmpty()) {
-            file = defaultDemoPath();
-            createDemo = !QFileInfo::exists(file);
-        } else if (!QFileInfo::exists(file)) {
-            std::fprintf(stderr, "qz2-attendance: the database file '%s' does not exist.\n", qPrintable(file));
-            return kExitDatabase;
-        }
-        db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("attendance"));
-        db.setDatabaseName(file);
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
-        if (createDemo) {
-            if (!db.open()) {
-                std::fprintf(stderr, "qz2-attendance: cannot create the demo database '%s': %s\n", qPrintable(file),
-                             qPrintable(db.lastError().text()));
-                return kExitDatabase;
-            }
-            try {
-                qz2::demo::createSchema(db);
-                qz2::demo::generate(db, processDate);
-            } catch (const std::exception& e) {
-                db.close();
-                QFile::remove(file);
-                std::fprintf(stderr, "qz2-attendance: cannot create the demo database: %s\n", e.what());
-                return kExitDatabase;
-            }
-            std::fprintf(stderr, "qz2-attendance: created the demo database %s\n", qPrintable(file));
-        }
-    }
-    if (!db.isOpen() && !db.open()) {
-        std::fprintf(stderr, "qz2-attendance: cannot open the database: %s\n", qPrintable(db.lastError().text()));
+    QString error;
+    bool created = false;
+    const std::optional<QSqlDatabase> db = qz2::host::openAttendanceDatabase(
+        options.database, options.processDate, QStringLiteral("attendance"), error, &created);
+    if (!db) {
+        say(error);
         return kExitDatabase;
     }
+    if (created) say(QStringLiteral("created the demo database %1").arg(db->databaseName()));
 
     clsAttendance attendance;
-    attendance.setProperty("adocon", QVariant::fromValue(db));
-    attendance.setProperty("MsgboxTitle", parser.value(title));
-    attendance.setProperty("ProcessDate", processDate);
-    attendance.setProperty("intUserID", QVariant::fromValue(static_cast<qint16>(userId)));
-    attendance.setProperty("intCompanyID", QVariant::fromValue(static_cast<qint16>(companyId)));
+    attendance.setProperty("adocon", QVariant::fromValue(*db));
+    attendance.setProperty("MsgboxTitle", options.title);
+    attendance.setProperty("ProcessDate", options.processDate);
+    attendance.setProperty("intUserID", QVariant::fromValue(options.user));
+    attendance.setProperty("intCompanyID", QVariant::fromValue(options.company));
 
-    if (parser.isSet(screenshot)) {
-        const QString out = parser.value(screenshot);
-        int rc = 0;
-        // Once the register is up, picture it and close it; Show() then returns.
-        QTimer::singleShot(0, &app, [&] {
-            qz2::FrmMaster* form = qz2::FrmMaster::instance();
-            if (!form) {
-                rc = 1;
-                return;
-            }
-            form->resize(900, 560);
-            QApplication::processEvents();
-            if (!form->grab().save(out)) {
-                std::fprintf(stderr, "qz2-attendance: cannot write %s\n", qPrintable(out));
-                rc = 1;
-            }
-            form->close();
-        });
+    if (options.screenshot.isEmpty()) {
         attendance.Show();
-        return rc;
+        return 0;
     }
+    int rc = 0;
+    // Once the register is up, picture it and close it; Show() then returns.
+    QTimer::singleShot(0, &app, [&] {
+        qz2::FrmMaster* form = qz2::FrmMaster::instance();
+        if (!form) {
+            rc = 1;
+            return;
+        }
+        form->resize(900, 560);
+        QApplication::processEvents();
+        if (!form->grab().save(options.screenshot)) {
+            say(QStringLiteral("cannot write %1").arg(options.screenshot));
+            rc = 1;
+        }
+        form->close();
+    });
     attendance.Show();
-    return 0;
+    return rc;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    // Each run does one thing. The register is the only one so far; another task would be
+    // told by its name as the first argument and dispatched here, before the register's
+    // options are parsed.
+    return runRegister(argc, argv);
 }

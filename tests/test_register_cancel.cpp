@@ -14,6 +14,7 @@
 #include <ostream>
 
 #include "TestSupport.h"
+#include "db/Database.h"
 #include "register/FrmMaster.h"
 #include "register/frmCancel.h"
 #include "shared/BasAttendence.h"
@@ -134,6 +135,7 @@ protected:
     }
 
     void TearDown() override {
+        qz2::db::setFaultHook({});
         form.reset();
         qz2::msgbox_testing::setAutoAnswer(false);
         qz2::msgbox_testing::clear();
@@ -207,6 +209,26 @@ protected:
         QTest::mouseClick(form->CmdDelete, Qt::LeftButton);
         EXPECT_EQ(form->flexMaster->Row(), row);
     }
+    static QString alreadyCancelled(const QString& id) {
+        return QStringLiteral("Entry %1 is already cancelled. Its reason for deletion is kept as it was recorded.")
+            .arg(id);
+    }
+    // After backing out of the reason dialog: the database as it was, entry 5's row reading
+    // "No" in its usual colour, and Delete still there for it.
+    void expectFiveStillLive(const QString& before) {
+        EXPECT_EQ(db.dump(), before);
+        const int row = rowOf(QStringLiteral("5"));
+        EXPECT_EQ(cell(row, 4), QStringLiteral("No"));
+        for (int c = 0; c < 5; ++c)
+            EXPECT_FALSE(model()->index(row - 1, c).data(Qt::ForegroundRole).isValid()) << "column " << c;
+        pick(QStringLiteral("5"));
+        EXPECT_TRUE(form->CmdDelete->isEnabled());
+        QString question;
+        qz2test::answerNextMessageBox(QMessageBox::No, &question);
+        QTest::keyClick(form->flexMaster, Qt::Key_Delete);
+        EXPECT_EQ(question, QStringLiteral("Are you sure you want to delete Entry - 5?"));
+        EXPECT_EQ(db.dump(), before);
+    }
     static void typeAndConfirm(qz2::frmCancel* dlg, const QString& reason) {
         QTest::keyClicks(dlg->txtcanreason, reason);
         QTest::mouseClick(dlg->cmdOK, Qt::LeftButton);
@@ -231,7 +253,8 @@ TEST_F(RegisterCancel, YesThenAReasonCancelsTheEntry) {
     EXPECT_EQ(question, QStringLiteral("Are you sure you want to delete Entry - 5?"));
     EXPECT_EQ(name, QStringLiteral("frmCancel"));
     EXPECT_EQ(caption, QStringLiteral("Reason For Deletion"));
-    EXPECT_EQ(flagWhileAsking, QStringLiteral("Yes"));  // shown before the reason is asked
+    // While the reason is asked the entry is not cancelled yet, and the row says so.
+    EXPECT_EQ(flagWhileAsking, QStringLiteral("No"));
     ASSERT_EQ(whileAsking.size(), 2);
     EXPECT_EQ(whileAsking[0].toInt(), 0);
 
@@ -240,6 +263,8 @@ TEST_F(RegisterCancel, YesThenAReasonCancelsTheEntry) {
     EXPECT_TRUE(header(2, 5)[1].isNull());
     EXPECT_EQ(header(1, 6)[0].toInt(), 0);
     EXPECT_EQ(cell(rowOf(QStringLiteral("5")), 4), QStringLiteral("Yes"));
+    EXPECT_EQ(model()->index(rowOf(QStringLiteral("5")) - 1, 3).data(Qt::ForegroundRole).value<QColor>(),
+              QColor(255, 0, 0));
     ASSERT_EQ(qz2::msgbox_testing::shown().size(), 1);  // only the question
     EXPECT_EQ(qz2::msgbox_testing::shown().first().icon, qz2::MsgIcon::Question);
     EXPECT_EQ(qz2::msgbox_testing::shown().first().title, QStringLiteral("Attendance Test"));
@@ -371,23 +396,122 @@ TEST_F(RegisterCancel, AUserMissingFromUsersCancelsWithEmptyRemarks) {
     EXPECT_EQ(h[1].toString(), QString());
 }
 
-TEST_F(RegisterCancel, ClosingTheDialogByItsFrameLeavesTheDatabase) {
+TEST_F(RegisterCancel, ClosingTheDialogByItsFrameLeavesTheDatabaseAndTheRowAsTheyWere) {
     const QString before = db.dump();
     cancelFive([&](qz2::frmCancel* dlg) {
         QTest::keyClicks(dlg->txtcanreason, QStringLiteral("Changed my mind"));
         dlg->close();  // the window's close button
     });
+    expectFiveStillLive(before);
+}
+
+TEST_F(RegisterCancel, EscInTheReasonDialogLeavesTheDatabaseAndTheRowAsTheyWere) {
+    const QString before = db.dump();
+    cancelFive([&](qz2::frmCancel* dlg) {
+        QApplication::setActiveWindow(dlg);
+        dlg->txtcanreason->setFocus();
+        QTest::keyClicks(dlg->txtcanreason, QStringLiteral("Changed my mind"));
+        QTest::keyClick(dlg->txtcanreason, Qt::Key_Escape);
+    });
+    expectFiveStillLive(before);
+}
+
+TEST_F(RegisterCancel, AnUpdateThatFailsLeavesTheRowAsTheDatabaseHoldsIt) {
+    const QString before = db.dump();
+    cancelFive([&](qz2::frmCancel* dlg) {
+        qz2::db::setFaultHook([](const QString& sql) {
+            return sql.startsWith(QLatin1String("update pEmployeeattendence")) ? QStringLiteral("disk full")
+                                                                                : QString();
+        });
+        typeAndConfirm(dlg, QStringLiteral("Duplicate"));
+        qz2::db::setFaultHook({});
+        dlg->close();  // the update failed, the clerk gives up
+    });
+    expectFiveStillLive(before);
+}
+
+// ---------------------------------------------------------------------------------------
+// A cancelled entry keeps its reason
+
+TEST_F(RegisterCancel, DeleteOnAnEntryCancelledElsewhereSaysSoAndWritesNothing) {
+    open();
+    const int row = pick(QStringLiteral("5"));
+    ASSERT_EQ(cell(row, 4), QStringLiteral("No"));
+    ASSERT_TRUE(form->CmdDelete->isEnabled());
+    // Another clerk cancels the entry after this register was opened.
+    db.exec(QStringLiteral("update pEmployeeAttendence set eaCancelled = 1, eaCancelledRemarks = 'Ravi:Duplicate' "
+                           "where eaCompanyID = 1 and eaID = 5"));
+    const QString before = db.dump();
+    QString notice;
+    QMessageBox::Icon icon = QMessageBox::NoIcon;
+    ModalGuard guard;
+    inOrder({answer(QMessageBox::Ok, &notice, &icon, [&guard] { guard.start(); })});
+    QTest::mouseClick(form->CmdDelete, Qt::LeftButton);
+    QTest::qWait(30);
+    EXPECT_EQ(notice, alreadyCancelled(QStringLiteral("5")));
+    EXPECT_EQ(icon, QMessageBox::Information);
+    EXPECT_TRUE(guard.seen().isEmpty()) << guard.seen().join(QStringLiteral(" | ")).toStdString();
     EXPECT_EQ(db.dump(), before);
-    const int row = rowOf(QStringLiteral("5"));
+    EXPECT_EQ(header(1, 5), (QVariantList{1, QStringLiteral("Ravi:Duplicate")}));
+    // The row now tells the truth, and Delete is off on it.
     EXPECT_EQ(cell(row, 4), QStringLiteral("Yes"));
-    // The row now reads as cancelled: a click turns Delete off and the key does nothing.
-    pick(QStringLiteral("5"));
+    EXPECT_EQ(model()->index(row - 1, 0).data(Qt::ForegroundRole).value<QColor>(), QColor(255, 0, 0));
     EXPECT_FALSE(form->CmdDelete->isEnabled());
-    qz2::msgbox_testing::clear();
-    qz2::msgbox_testing::setAutoAnswer(true, qz2::MsgResult::No);
+    EXPECT_EQ(form->flexMaster->Row(), row);
+}
+
+TEST_F(RegisterCancel, DeleteAgainAfterCancellingKeepsTheFirstReason) {
+    cancelFive([&](qz2::frmCancel* dlg) { typeAndConfirm(dlg, QStringLiteral("Wrong employee")); });
+    ASSERT_EQ(header(1, 5), (QVariantList{1, QStringLiteral("Mira Shah:Wrong employee")}));
+    // The rights bring Delete back on the row just cancelled; pressing it must not ask again.
+    ASSERT_TRUE(form->CmdDelete->isEnabled());
+    ASSERT_EQ(cell(form->flexMaster->Row(), 0), QStringLiteral("5"));
+    const QString before = db.dump();
+    QString notice;
+    ModalGuard guard;
+    inOrder({answer(QMessageBox::Ok, &notice, nullptr, [&guard] { guard.start(); })});
     QTest::keyClick(form->flexMaster, Qt::Key_Delete);
-    EXPECT_TRUE(qz2::msgbox_testing::shown().isEmpty());
+    QTest::qWait(30);
+    EXPECT_EQ(notice, alreadyCancelled(QStringLiteral("5")));
+    EXPECT_TRUE(guard.seen().isEmpty()) << guard.seen().join(QStringLiteral(" | ")).toStdString();
     EXPECT_EQ(db.dump(), before);
+    EXPECT_FALSE(form->CmdDelete->isEnabled());
+}
+
+TEST_F(RegisterCancel, DeleteOnACancelledEntryWhoseRowReadsNoKeepsItsReason) {
+    // Whatever the row and the buttons say, the database decides.
+    open();
+    const int row = pick(QStringLiteral("8"));
+    ASSERT_EQ(cell(row, 4), QStringLiteral("Yes"));
+    db.exec(QStringLiteral("update pEmployeeAttendence set eaCancelledRemarks = 'Ravi:Sick' where eaID = 8"));
+    form->flexMaster->setTextMatrix(row, 4, QStringLiteral("No"));
+    form->CmdDelete->setEnabled(true);
+    const QString before = db.dump();
+    QString notice;
+    ModalGuard guard;
+    inOrder({answer(QMessageBox::Ok, &notice, nullptr, [&guard] { guard.start(); })});
+    QTest::mouseClick(form->CmdDelete, Qt::LeftButton);
+    QTest::qWait(30);
+    EXPECT_EQ(notice, alreadyCancelled(QStringLiteral("8")));
+    EXPECT_TRUE(guard.seen().isEmpty()) << guard.seen().join(QStringLiteral(" | ")).toStdString();
+    EXPECT_EQ(db.dump(), before);
+    EXPECT_EQ(cell(row, 4), QStringLiteral("Yes"));
+}
+
+TEST_F(RegisterCancel, AnEntryCancelledWhileTheReasonIsTypedKeepsTheFirstReason) {
+    QString notice;
+    bool closed = false;
+    cancelFive([&](qz2::frmCancel* dlg) {
+        db.exec(QStringLiteral("update pEmployeeAttendence set eaCancelled = 1, eaCancelledRemarks = "
+                               "'Ravi:Duplicate' where eaCompanyID = 1 and eaID = 5"));
+        qz2test::answerNextMessageBox(QMessageBox::Ok, &notice);
+        typeAndConfirm(dlg, QStringLiteral("Wrong employee"));
+        closed = !dlg->isVisible();
+    });
+    EXPECT_EQ(notice, alreadyCancelled(QStringLiteral("5")));
+    EXPECT_TRUE(closed);
+    EXPECT_EQ(header(1, 5), (QVariantList{1, QStringLiteral("Ravi:Duplicate")}));
+    EXPECT_EQ(cell(rowOf(QStringLiteral("5")), 4), QStringLiteral("Yes"));
 }
 
 TEST_F(RegisterCancel, TheDialogNamesItselfOnLoad) {

@@ -395,6 +395,60 @@ TEST_F(RegisterWidget, TheQueryNamesSortByDateOnTheNumberColumnToo) {
     EXPECT_EQ(ids(), (QStringList{QStringLiteral("2"), QStringLiteral("7"), QStringLiteral("10")}));
 }
 
+TEST_F(RegisterWidget, TheChosenEntryStaysChosenThroughASort) {
+    open();
+    chooseSortColumn(QStringLiteral("Attendance ID"));  // 2, 7, 10
+    ASSERT_EQ(ids(), (QStringList{QStringLiteral("2"), QStringLiteral("7"), QStringLiteral("10")}));
+    clickRow(3);  // 10, cancelled
+    ASSERT_FALSE(form->CmdDelete->isEnabled());
+    QTest::mouseClick(form->optDescend, Qt::LeftButton);  // 10, 7, 2: a live entry lands on row 3
+    ASSERT_EQ(ids(), (QStringList{QStringLiteral("10"), QStringLiteral("7"), QStringLiteral("2")}));
+    EXPECT_EQ(form->flexMaster->Row(), 1);
+    EXPECT_EQ(cell(form->flexMaster->Row(), 0), QStringLiteral("10"));
+    EXPECT_TRUE(form->flexMaster->selectionModel()->isRowSelected(0, {}));
+    EXPECT_FALSE(form->flexMaster->selectionModel()->isRowSelected(2, {}));
+    EXPECT_FALSE(form->CmdDelete->isEnabled());
+
+    clickRow(3);  // 2, live
+    ASSERT_TRUE(form->CmdDelete->isEnabled());
+    chooseSortColumn(QStringLiteral("Employee"));  // descending: 10 (Chen), 2 (bruno), 7 (Asha)
+    ASSERT_EQ(ids(), (QStringList{QStringLiteral("10"), QStringLiteral("2"), QStringLiteral("7")}));
+    EXPECT_EQ(cell(form->flexMaster->Row(), 0), QStringLiteral("2"));
+    EXPECT_TRUE(form->CmdDelete->isEnabled());
+    // The keys act on the entry that is highlighted.
+    QString question;
+    qz2test::answerNextMessageBox(QMessageBox::No, &question);
+    QTest::keyClick(form->flexMaster, Qt::Key_Delete);
+    EXPECT_EQ(question, QStringLiteral("Are you sure you want to delete Entry - 2?"));
+}
+
+TEST_F(RegisterWidget, AfterEverySortTheButtonsMatchTheHighlightedEntry) {
+    qz2::gintUserID = 3;
+    giveRights(3, 91029, QStringLiteral("ADMIN"));
+    open();
+    const QStringList headings{QStringLiteral("Attendance ID"), QStringLiteral("Attendance No"),
+                               QStringLiteral("Entry Date"), QStringLiteral("Employee"), QStringLiteral("Cancelled")};
+    for (const QString& start : {QStringLiteral("2"), QStringLiteral("7"), QStringLiteral("10")}) {
+        for (const QString& heading : headings) {
+            for (QRadioButton* direction : {form->optAscend, form->optDescend}) {
+                SCOPED_TRACE((start + QLatin1Char(' ') + heading + QLatin1Char(' ') + direction->objectName())
+                                 .toStdString());
+                clickRow(rowOf(start));
+                // The rights turn everything off; what follows must set the buttons for the row.
+                form->UserRights();
+                QTest::mouseClick(direction, Qt::LeftButton);
+                chooseSortColumn(heading);
+                const int row = form->flexMaster->Row();
+                ASSERT_GT(row, 0);
+                EXPECT_EQ(cell(row, 0), start);
+                EXPECT_TRUE(form->CmdEdit->isEnabled());
+                EXPECT_EQ(form->CmdDelete->isEnabled(), cell(row, 4) == QLatin1String("No"));
+                EXPECT_FALSE(form->cmdnew->isEnabled());  // the click logic leaves New to the rights
+            }
+        }
+    }
+}
+
 // ---------------------------------------------------------------------------------------
 // Searching
 

@@ -422,6 +422,19 @@ TEST(CancelSql, StatementTexts) {
                        "eaId='12' and eaCompanyid=3"));
 }
 
+TEST(CancelSql, TheCancelledFlagIsReadFromTheTableTheUpdateWrites) {
+    expectTsql(sql::cancelledFlagQuery(QStringLiteral("5"), 1),
+               QStringLiteral(
+                   "select eacancelled from pEmployeeattendence where eaId='5' and eaCompanyid=1"));
+    TestDb t;
+    insertRegisterRows(t);
+    t.exec(QStringLiteral(
+        "update pEmployeeAttendence set eaCancelled=1 where eaID=3 and eaCompanyID=2"));
+    EXPECT_EQ(db::scalar(t.db, sql::cancelledFlagQuery(QStringLiteral("3"), 1)).toInt(), 0);
+    EXPECT_EQ(db::scalar(t.db, sql::cancelledFlagQuery(QStringLiteral("3"), 2)).toInt(), 1);
+    EXPECT_TRUE(db::openRecordset(t.db, sql::cancelledFlagQuery(QStringLiteral("999"), 1)).eof());
+}
+
 TEST(CancelSql, PastedQuotesAreDoubledInsideTheLiteral) {
     expectTsql(
         sql::cancelUpdate(QStringLiteral("admin:it's \"late\" ''twice''"), QStringLiteral("5"), 1),

@@ -154,6 +154,17 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     connect(flexMaster, &FlexGrid::cellChanged, this, [this] { runClickLogicGuarded(); });
     connect(flexMaster, &QAbstractItemView::clicked, this, [this] { runClickLogicGuarded(); });
     connect(flexMaster, &QAbstractItemView::doubleClicked, this, [this] { CmdEdit_Click(); });
+    // The status line follows the list: rows added by a save, a cancellation written into a row.
+    FlexGridModel* listModel = flexMaster->flexModel();
+    connect(listModel, &QAbstractItemModel::rowsInserted, this, &FrmMaster::showEntryCount);
+    connect(listModel, &QAbstractItemModel::rowsRemoved, this, &FrmMaster::showEntryCount);
+    connect(listModel, &QAbstractItemModel::modelReset, this, &FrmMaster::showEntryCount);
+    connect(listModel, &QAbstractItemModel::dataChanged, this,
+            [this](const QModelIndex& from, const QModelIndex& to, const QList<int>& roles) {
+                if (from.column() <= kCancelledCol && to.column() >= kCancelledCol &&
+                    (roles.isEmpty() || roles.contains(Qt::DisplayRole)))
+                    showEntryCount();
+            });
     flexMaster->installEventFilter(this);
     for (QWidget* w : {static_cast<QWidget*>(cboColNames), static_cast<QWidget*>(cboSearch),
                        static_cast<QWidget*>(optAscend), static_cast<QWidget*>(optDescend)})
@@ -187,7 +198,7 @@ void FrmMaster::Form_Load() {
             flexMaster->setCurrentCell(flexMaster->Rows() - 1, flexMaster->Col());
             flexMaster->scrollTo(flexMaster->currentIndex());
         }
-        lblStatus->setText(tr("%n entries", nullptr, flexMaster->Rows() - 1));
+        showEntryCount();
     } catch (const std::exception& e) {
         lblStatus->setText(tr("The list could not be read: %1").arg(QString::fromStdString(e.what())));
     }
@@ -292,6 +303,9 @@ void FrmMaster::cboColNames_Click() {
     const QString heading = cboColNames->currentText();
     const int col = heading.contains(QLatin1String("date"), Qt::CaseInsensitive) ? 1 : cboColNames->currentData().toInt();
     flexMaster->flexModel()->sortGeneric(col, optAscend->isChecked());
+    // The chosen entry stays chosen through the sort; the buttons are set for it again.
+    if (flexMaster->currentIndex().isValid()) flexMaster->scrollTo(flexMaster->currentIndex());
+    runClickLogicGuarded();
     QApplication::restoreOverrideCursor();
 }
 
@@ -329,18 +343,31 @@ void FrmMaster::CmdEdit_Click() {
 void FrmMaster::CmdDelete_Click() {
     const int row = flexMaster->Row();
     if (row < 1) return;
+    const QString id = flexMaster->TextMatrix(row, 0);
     try {
-        if (MsgBox(QStringLiteral("Are you sure you want to delete Entry - ") + flexMaster->TextMatrix(row, 0) +
-                       QStringLiteral("?"),
+        // Whatever the row or the buttons say, an entry the database holds as cancelled keeps
+        // the reason it was cancelled with: nothing is asked and nothing is written.
+        if (fnIsEntryCancelled(id).value_or(false)) {
+            showCancelled(row, true);
+            MsgBox(alreadyCancelledText(id), MsgButtons::Ok, MsgIcon::Information);
+            flexmaster_Click();
+            return;
+        }
+        if (MsgBox(QStringLiteral("Are you sure you want to delete Entry - ") + id + QStringLiteral("?"),
                    MsgButtons::YesNo, MsgIcon::Question) == MsgResult::No)
             return;
         if (fnIsMonthlyEntryDone(QStringLiteral("D"))) return;
-        flexMaster->setTextMatrix(row, kCancelledCol, QStringLiteral("Yes"));
         frmCancel dialog(this);
         dialog.exec();
-        if (dialog.cancelled())
-            for (int c = 0; c <= kCancelledCol && c < flexMaster->Cols(); ++c)
-                flexMaster->setCellForeColor(row, c, kCancelledColour);
+        // The row shows what the database now holds: "Yes" once the reason is stored, still
+        // "No" when the clerk backed out of the dialog or the update did not run.
+        bool cancelled = dialog.cancelled();
+        try {
+            if (const std::optional<bool> held = fnIsEntryCancelled(id)) cancelled = *held;
+        } catch (const std::exception&) {
+            // The re-read failed: the dialog's own outcome is the best knowledge there is.
+        }
+        showCancelled(row, cancelled);
         CmdDelete->setEnabled(false);
         flexMaster->setCurrentCell(row, 0);
         flexMaster->selectRow(row - 1);
@@ -348,6 +375,25 @@ void FrmMaster::CmdDelete_Click() {
     } catch (const std::exception&) {
         // Trapped: the register stays as it is.
     }
+}
+
+void FrmMaster::showCancelled(int row, bool cancelled) {
+    flexMaster->setTextMatrix(row, kCancelledCol, cancelled ? QStringLiteral("Yes") : QStringLiteral("No"));
+    if (cancelled)
+        for (int c = 0; c <= kCancelledCol && c < flexMaster->Cols(); ++c)
+            flexMaster->setCellForeColor(row, c, kCancelledColour);
+}
+
+void FrmMaster::showEntryCount() {
+    if (!m_loaded) return;
+    const FlexGridModel* m = flexMaster->flexModel();
+    int cancelled = 0;
+    for (int r = 0; r < m->dataRows(); ++r)
+        if (m->text(r, kCancelledCol) == QLatin1String("Yes")) ++cancelled;
+    const int entries = m->dataRows();
+    QString text = entries == 1 ? tr("1 entry") : tr("%1 entries").arg(entries);
+    if (cancelled > 0) text += tr(", %1 cancelled").arg(cancelled);
+    lblStatus->setText(text);
 }
 
 void FrmMaster::CmdClose_Click() { close(); }

@@ -70,6 +70,10 @@ protected:
 private:
     void loadHeadings(const QStringList& fallbackNames);
     void runClickLogicGuarded();
+    // The row's cancelled column as the database holds it ("Yes" in red, or "No").
+    void showCancelled(int row, bool cancelled);
+    // "N entries, M cancelled" from the list as it stands.
+    void showEntryCount();
 
     std::unique_ptr<commonmodule::clsCommonGen> m_gen;
     std::unique_ptr<commonmodule::clsCommonDB> m_db;

@@ -63,6 +63,11 @@ QString cancelEmployeeQuery(const QString& id, qint16 company) {
            QStringLiteral("' and eaCompanyid=") + n(company);
 }
 
+QString cancelledFlagQuery(const QString& id, qint16 company) {
+    return QStringLiteral("select eacancelled from pEmployeeattendence where eaId='") + id +
+           QStringLiteral("' and eaCompanyid=") + n(company);
+}
+
 QString cancelUpdate(const QString& remarks, const QString& id, qint16 company) {
     return QStringLiteral("update pEmployeeattendence set eacancelled=1,eaCancelledRemarks='") + quoted(remarks) +
            QStringLiteral("' where eaId='") + id + QStringLiteral("' and eaCompanyid=") + n(company);

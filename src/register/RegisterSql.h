@@ -19,6 +19,8 @@ QString monthlyLockQuery(qint16 company, const QString& attendanceId);
 QString refreshQuery(const QString& masterQuery, const QString& condition);
 QString cancelUserNameQuery(qint16 company, qint16 user);
 QString cancelEmployeeQuery(const QString& attendanceId, qint16 company);
+// The entry's cancelled flag, read from the table the cancelling update writes.
+QString cancelledFlagQuery(const QString& attendanceId, qint16 company);
 // The reason goes between quotes; quotes pasted into it are doubled so that the text is
 // stored as given and can never end the literal.
 QString cancelUpdate(const QString& remarks, const QString& attendanceId, qint16 company);

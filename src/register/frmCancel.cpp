@@ -16,6 +16,17 @@
 
 namespace qz2 {
 
+std::optional<bool> fnIsEntryCancelled(const QString& attendanceId) {
+    db::Recordset rs = db::openRecordset(gadocon, sql::cancelledFlagQuery(attendanceId, gintCompanyID));
+    if (rs.eof()) return std::nullopt;
+    return db::isOn(rs.field(0));
+}
+
+QString alreadyCancelledText(const QString& attendanceId) {
+    return QStringLiteral("Entry %1 is already cancelled. Its reason for deletion is kept as it was recorded.")
+        .arg(attendanceId);
+}
+
 frmCancel::frmCancel(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmCancel"));
     auto* layout = new QVBoxLayout(this);
@@ -68,6 +79,13 @@ void frmCancel::cmdOK_Click() {
         const QString id = grid ? grid->TextMatrix(grid->Row(), 0) : QString();
         db::Recordset emp = db::openRecordset(gadocon, sql::cancelEmployeeQuery(id, gintCompanyID));
         (void)emp.field(QStringLiteral("eaEmpID"));  // no such entry: raises, nothing is written
+        // Someone may have cancelled the entry while the reason was being typed: its stored
+        // reason stays, and this one is not written over it.
+        if (fnIsEntryCancelled(id).value_or(false)) {
+            MsgBox(alreadyCancelledText(id), MsgButtons::Ok, MsgIcon::Information);
+            reject();
+            return;
+        }
         db::execute(gadocon, sql::cancelUpdate(remarks, id, gintCompanyID));
         m_done = true;
         accept();

@@ -2,6 +2,7 @@
 // Asks the reason for cancelling the register's current entry and marks it cancelled.
 
 #include <QDialog>
+#include <optional>
 
 class QLineEdit;
 class QPushButton;
@@ -26,5 +27,11 @@ protected:
 private:
     bool m_done = false;
 };
+
+// Whether the database holds the entry of the current company as cancelled; no value when
+// there is no such entry. Database errors propagate.
+std::optional<bool> fnIsEntryCancelled(const QString& attendanceId);
+// What the clerk is told on Delete of an entry that is already cancelled.
+QString alreadyCancelledText(const QString& attendanceId);
 
 }  // namespace qz2

@@ -170,12 +170,22 @@ void FlexGridModel::sortGeneric(int col, bool ascending) {
         std::stable_sort(order.begin(), order.end(), less);
     else
         std::stable_sort(order.begin(), order.end(), [&](int a, int b) { return less(b, a); });
-    emit layoutAboutToBeChanged();
+    emit layoutAboutToBeChanged({}, QAbstractItemModel::VerticalSortHint);
     QVector<QVector<Cell>> sorted;
     sorted.reserve(n);
     for (int i : order) sorted.push_back(std::move(m_rows[i]));
     m_rows = std::move(sorted);
-    emit layoutChanged();
+    // The current cell and the selection travel with their rows: the row a clerk had
+    // chosen is still the chosen one after the sort, wherever it lands.
+    std::vector<int> newRow(n);
+    for (int i = 0; i < n; ++i) newRow[order[i]] = i;
+    const QModelIndexList before = persistentIndexList();
+    QModelIndexList after;
+    after.reserve(before.size());
+    for (const QModelIndex& i : before)
+        after << (i.row() < n ? index(newRow[i.row()], i.column()) : i);
+    changePersistentIndexList(before, after);
+    emit layoutChanged({}, QAbstractItemModel::VerticalSortHint);
 }
 
 FlexGrid::FlexGrid(QWidget* parent) : QTableView(parent), m_model(new FlexGridModel(this)) {

@@ -1,0 +1,32 @@
+#pragma once
+// The database a run of the host program works on: an SQLite file, a SQL Server database
+// through ODBC, or the demo database in the user's data folder. Every failure comes back as
+// one line of text for the person at the terminal.
+
+#include <QDate>
+#include <QSqlDatabase>
+#include <QString>
+#include <optional>
+
+namespace qz2::host {
+
+struct DatabaseChoice {
+    QString sqliteFile;  // --database
+    QString odbc;        // --odbc; neither: the demo database
+};
+
+// Why the file cannot be opened as an attendance database (it is missing, a folder,
+// unreadable, empty or not SQLite); empty when it looks like one. Looks at the file only.
+QString sqliteFileProblem(const QString& file);
+
+// The demo database's place in the user's data folder.
+QString defaultDemoPath();
+
+// Opens the chosen database under `connectionName`. The demo database is created (schema
+// and demo rows for `processDate`) when it does not exist yet, and `created` is set. An
+// SQLite file must hold the link table. Without a value, `error` says why.
+std::optional<QSqlDatabase> openAttendanceDatabase(const DatabaseChoice& choice, QDate processDate,
+                                                   const QString& connectionName, QString& error,
+                                                   bool* created = nullptr);
+
+}  // namespace qz2::host
