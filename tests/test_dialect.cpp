@@ -531,3 +531,23 @@ TEST(Database, ExecuteReturnsRowsAffected) {
               2);
     EXPECT_EQ(db::execute(t.db, QStringLiteral("delete from pusers where companyid=9")), 0);
 }
+
+TEST(Dialect, AQuoteInTheStoredPrefixIsDoubledAndMatchedLiterally) {
+    // The prefix O'B is 3 characters; inside the literals its quote is doubled.
+    expectTsql(kServer.attendanceNumberQuery(QStringLiteral("pEmployeeAttendence"), 1,
+                                             QStringLiteral("O'B")),
+               QStringLiteral(
+                   "Select isnull(max(convert(int,right(eaNo,len(eaNo)-3))),0) from "
+                   "pEmployeeAttendence where eacompanyid = 1 and len(eaNo)>len('O''B') and  "
+                   "isnumeric(isnull(right(eano,len(eano)-3),0)) =1 and "
+                   "substring(eano,1,len('O''B'))='O''B'"));
+    TestDb t;
+    insertNumbers(t, QStringLiteral("(1,1,'O''B7',1,0),(1,2,'OXB9',1,0),(1,3,'O%B8',1,0),"
+                                    "(1,4,'O_B5',1,0)"));
+    EXPECT_EQ(numberFor(t, QStringLiteral("O'B")).toInt(), 7);
+    // Wildcards of LIKE mean nothing here: each prefix matches only itself.
+    EXPECT_EQ(numberFor(t, QStringLiteral("O%B")).toInt(), 8);
+    EXPECT_EQ(numberFor(t, QStringLiteral("O_B")).toInt(), 5);
+    // A prefix that tries to end the statement is only a prefix.
+    EXPECT_EQ(numberFor(t, QStringLiteral("x' or '1'='1")).toInt(), 0);
+}

@@ -204,3 +204,28 @@ TEST(EntryRulesNumber, PrefixFollowedByTheNextNumberWithoutPadding) {
     EXPECT_EQ(composeAttendanceNo(QStringLiteral("A/"), QStringLiteral("999")),
               QStringLiteral("A/1000"));
 }
+
+TEST(EntryRulesNumber, TheNextNumberIsExactAndOneThatDoesNotFitIsRefused) {
+    // Past 2^53 a double would round: the numbers are whole integers throughout.
+    EXPECT_EQ(composeAttendanceNo(QStringLiteral("ATT"), QStringLiteral("2147483646")),
+              QStringLiteral("ATT2147483647"));
+    EXPECT_EQ(composeAttendanceNo(QStringLiteral("ATT"), QStringLiteral(" 99 ")),
+              QStringLiteral("ATT100"));
+    // The suite reads suffixes as 32-bit integers: there is no number after the largest one.
+    EXPECT_THROW(composeAttendanceNo(QStringLiteral("ATT"), QStringLiteral("2147483647")),
+                 std::runtime_error);
+    EXPECT_THROW(composeAttendanceNo(QStringLiteral("ATT"), QStringLiteral("9223372036854775807")),
+                 std::runtime_error);
+    EXPECT_THROW(composeAttendanceNo(QStringLiteral("ATT"), QStringLiteral("1e18")),
+                 std::runtime_error);
+    EXPECT_THROW(composeAttendanceNo(QStringLiteral("ATT"), QStringLiteral("41.5")),
+                 std::runtime_error);
+    try {
+        composeAttendanceNo(QStringLiteral("ATT"), QStringLiteral("2147483647"));
+    } catch (const std::runtime_error& e) {
+        EXPECT_EQ(QString::fromUtf8(e.what()),
+                  QStringLiteral("No attendance number is left after ATT2147483647: the next one "
+                                 "would not fit. Nothing was saved; ask for a new prefix to be "
+                                 "set for this screen."));
+    }
+}

@@ -349,6 +349,7 @@ TEST_F(EntrySave, ANewSaveRunsItsStatementsInOrderAndPreparesEachInsertOnce) {
         entry::sql::prefixQuery(91029, 1),
         db::Dialect::sqlite().attendanceNumberQuery(QStringLiteral("pEmployeeAttendence"), 1,
                                                     QStringLiteral("ATT")),
+        entry::savesql::attendanceNoTakenQuery(1, nextNo),
         QStringLiteral("select max(eaID) from pEmployeeAttendence"),
         header,
         detail,
@@ -843,4 +844,32 @@ TEST_F(EntryOverlap, AnEditNeverBlocksItselfButMeetsTheOthers) {
                                  "saved: correct the period, or edit or cancel that entry first.")
                       .arg(numberOf(resaved)),
                   MsgIcon::Information, before);
+}
+
+// ---------------------------------------------------------------------------------------
+// Numbers and texts
+
+TEST_F(EntrySave, ASequenceThatHasRunOutIsRefusedNotDuplicated) {
+    t.exec("update pEmployeeAttendence set eaNo='ATT2147483647' where eaID=(select min(eaID) "
+           "from pEmployeeAttendence)");
+    frmEmployeeDailyAttendance& f = scenarioForm(qz2test::demoScenario(employee, kStart));
+    const QString before = t.dump();
+    f.cmdOK_Click();
+    expectRefused(QStringLiteral("No attendance number is left after ATT2147483647: the next one "
+                                 "would not fit. Nothing was saved; ask for a new prefix to be "
+                                 "set for this screen."),
+                  MsgIcon::Information, before);
+}
+
+TEST_F(EntrySave, RemarksWithControlCharactersAreStoredWholeWithoutThem) {
+    frmEmployeeDailyAttendance& f = scenarioForm(qz2test::demoScenario(employee, kStart));
+    f.txtRemarks->setText(QStringLiteral("Night") + QChar(0) + QStringLiteral("shift\tconfirmed's"));
+    f.cmdOK_Click();
+    ASSERT_TRUE(f.saved()) << lastMessage().toStdString();
+    EXPECT_EQ(t.scalar(QStringLiteral("select eaRemarks from pEmployeeAttendence where eaID=%1")
+                           .arg(nextId))
+                  .toString(),
+              QStringLiteral("Night shift confirmed's"));
+    // The box holds no more than the column does.
+    EXPECT_EQ(f.txtRemarks->maxLength(), 500);
 }

@@ -152,6 +152,14 @@ TEST(SaveSqlServerText, OverlapCheckLocksWhatItReadsUntilTheSaveEnds) {
                "eaStartDate");
 }
 
+TEST(SaveSqlServerText, NumberTakenCheckDoublesQuotes) {
+    linkPhysicalNames();
+    expectTsql(attendanceNoTakenQuery(1, QStringLiteral("ATT42")),
+               "Select count(*) from tblAttendance where eaCompanyID=1 and eaNo='ATT42'");
+    expectTsql(attendanceNoTakenQuery(1, QStringLiteral("O'B7")),
+               "Select count(*) from tblAttendance where eaCompanyID=1 and eaNo='O''B7'");
+}
+
 TEST(SaveSqlServerText, TheServerWaitsForLocksByItself) {
     EXPECT_FALSE(lockWaitQuery(kServer).has_value());
     EXPECT_FALSE(setLockWait(kServer, 1000).has_value());
@@ -225,6 +233,17 @@ TEST(SaveSqlite, OverlapCheckFindsOnlyLiveEntriesOfTheEmployeeSharingADay) {
     EXPECT_EQ(found(QDate(2026, 11, 5), QDate(2026, 11, 30)), QString());
     // The entry being edited, a cancelled entry and another employee's never block.
     EXPECT_EQ(found(QDate(2026, 11, 1), QDate(2026, 11, 30), 7), QString());
+}
+
+TEST(SaveSqlite, NumberTakenCheckCountsTheCompanysEntriesWithThatNumber) {
+    TestDb t;
+    seedEntries(t);  // ATT7 of company 1, HC7 of company 2
+    EXPECT_EQ(db::scalar(t.db, attendanceNoTakenQuery(1, QStringLiteral("ATT7"))).toInt(), 1);
+    EXPECT_EQ(db::scalar(t.db, attendanceNoTakenQuery(1, QStringLiteral("ATT8"))).toInt(), 0);
+    EXPECT_EQ(db::scalar(t.db, attendanceNoTakenQuery(1, QStringLiteral("HC7"))).toInt(), 0);
+    EXPECT_EQ(db::scalar(t.db, attendanceNoTakenQuery(2, QStringLiteral("HC7"))).toInt(), 1);
+    EXPECT_EQ(db::scalar(t.db, attendanceNoTakenQuery(1, QStringLiteral("x' or '1'='1"))).toInt(),
+              0);
 }
 
 TEST(SaveSqlite, HeaderReadPutsABlankWhereTSqlGluesTheCompany) {

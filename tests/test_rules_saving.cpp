@@ -237,3 +237,12 @@ TEST(ProcessAttendanceMissing, AllPresentPassesWithoutPairs) {
     mirror.AddItem({"02/03/2026", "1", "09:00", "17:00"});
     EXPECT_FALSE(processAttendanceMissing(day, mirror));
 }
+
+TEST(CleanedText, ControlCharactersBecomeBlanksAndTheTextIsTrimmed) {
+    EXPECT_EQ(cleanedText(QStringLiteral(" late\tagain\r\n")), QStringLiteral("late again"));
+    EXPECT_EQ(cleanedText(QStringLiteral("before") + QChar(0) + QStringLiteral("after")),
+              QStringLiteral("before after"));
+    EXPECT_EQ(cleanedText(QString::fromUtf16(u"bell\u0007\u007f")), QStringLiteral("bell"));
+    EXPECT_EQ(cleanedText(QStringLiteral("Müller's note")), QStringLiteral("Müller's note"));
+    EXPECT_EQ(cleanedText(QStringLiteral("   ")), QString());
+}

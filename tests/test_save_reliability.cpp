@@ -171,9 +171,10 @@ void everyStatementFailingLeavesNothing(bool edit, int expectedStatements,
 }
 
 TEST(SaveFaults, EveryStatementOfANewSaveFailingLeavesNothingAndOkAgainSaves) {
-    // The lock wait, 2 checks, the check for an overlapping entry, prefix, number,
-    // identifier, header, 8 pair lines, currency, 2 claims, 3 lines of days without pairs.
-    everyStatementFailingLeavesNothing(false, 22, {1, 11, 2});
+    // The lock wait, 2 checks, the check for an overlapping entry, prefix, number, the
+    // check that the number is free, identifier, header, 8 pair lines, currency, 2 claims,
+    // 3 lines of days without pairs.
+    everyStatementFailingLeavesNothing(false, 23, {1, 11, 2});
 }
 
 TEST(SaveFaults, EveryStatementOfAnEditSaveFailingLeavesTheOldEntryAndOkAgainSaves) {
@@ -275,7 +276,7 @@ TEST_F(SaveInterrupted, ANewSaveEndedBeforeAnyOfItsStatementsLeavesNoTraceAndACo
     const ChildResult dry = runChild(childArgs() << QStringLiteral("--count"));
     ASSERT_EQ(dry.exitCode, 0) << dry.lines.join('\n').toStdString();
     const int statements = statementsOf(dry);
-    ASSERT_EQ(statements, 22);
+    ASSERT_EQ(statements, 23);
     QString pristineDump;
     {
         FileLook look(pristine);

@@ -46,8 +46,12 @@ QString Dialect::caseless(const QString& column) const {
 
 QString Dialect::isNullFn() const { return isSqlServer() ? QStringLiteral("isnull(") : QStringLiteral("ifnull("); }
 
-QString Dialect::attendanceNumberQuery(const QString& headerTable, qint16 company, const QString& prefix) const {
-    const QString n = QString::number(prefix.size());
+QString Dialect::attendanceNumberQuery(const QString& headerTable, qint16 company, const QString& storedPrefix) const {
+    // The prefix's length counts its own characters; inside the literals its quotes are
+    // doubled, so that a stored prefix such as O'B is matched as written and can never end
+    // or change the statement.
+    const QString n = QString::number(storedPrefix.size());
+    const QString prefix = QString(storedPrefix).replace(QLatin1Char('\''), QLatin1String("''"));
     if (isSqlServer()) {
         return QStringLiteral("Select isnull(max(convert(int,right(eaNo,len(eaNo)-") + n + QStringLiteral("))),0) from ") +
                headerTable + QStringLiteral(" where eacompanyid = ") + QString::number(company) +
@@ -58,7 +62,7 @@ QString Dialect::attendanceNumberQuery(const QString& headerTable, qint16 compan
     // SQLite has no isnumeric: a suffix counts when it is non-empty and made of digits only
     // (GLOB '*[^0-9]*' finds any other character), which is what the T-SQL test accepts for
     // the numbers this module writes. The prefix is compared case-sensitively by substr.
-    const QString suffix = QStringLiteral("substr(eaNo,") + QString::number(prefix.size() + 1) + QStringLiteral(")");
+    const QString suffix = QStringLiteral("substr(eaNo,") + QString::number(storedPrefix.size() + 1) + QStringLiteral(")");
     return QStringLiteral("Select ifnull(max(cast(") + suffix + QStringLiteral(" as integer)),0) from ") + headerTable +
            QStringLiteral(" where eacompanyid = ") + QString::number(company) + QStringLiteral(" and length(eaNo)>length('") +
            prefix + QStringLiteral("') and ") + suffix + QStringLiteral(" not glob '*[^0-9]*' and substr(eaNo,1,length('") + prefix +

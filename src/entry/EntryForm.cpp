@@ -135,6 +135,9 @@ void frmEmployeeDailyAttendance::buildControls() {
     txtNoAbsent = readOnlyBox(mid, "txtNoAbsent", 5);
 
     txtRemarks = named(new QLineEdit(this), "txtRemarks");
+    // As long as the remarks column holds (varchar(500) in the suite's schema): a longer text
+    // could not be saved whole.
+    txtRemarks->setMaxLength(500);
     cmdOK = button(this, "cmdOK", tr("OK"));
     cmdCancel = button(this, "cmdCancel", tr("Cancel"));
 

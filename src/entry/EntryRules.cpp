@@ -1,5 +1,7 @@
 #include "entry/EntryRules.h"
 
+#include <stdexcept>
+
 #include "db/Database.h"
 
 namespace qz2::entry {
@@ -78,8 +80,23 @@ JoinedStart applyDateOfJoin(QDate start, std::optional<QDate> dateOfJoin) {
 }
 
 QString composeAttendanceNo(const QString& prefix, const QString& highestSuffix) {
-    const qint64 next = static_cast<qint64>(val(highestSuffix)) + 1;
-    return prefix + QString::number(next);
+    const QString text = highestSuffix.trimmed();
+    bool whole = true;
+    const qint64 highest = text.isEmpty() ? 0 : text.toLongLong(&whole);
+    if (!whole || highest < 0)
+        throw std::runtime_error(
+            QStringLiteral("The highest attendance number with the prefix \"%1\" ends in \"%2\", "
+                           "which is not a whole number. Nothing was saved.")
+                .arg(prefix, text)
+                .toStdString());
+    if (highest >= kMaxAttendanceSuffix)
+        throw std::runtime_error(
+            QStringLiteral("No attendance number is left after %1%2: the next one would not fit. "
+                           "Nothing was saved; ask for a new prefix to be set for this screen.")
+                .arg(prefix)
+                .arg(highest)
+                .toStdString());
+    return prefix + QString::number(highest + 1);
 }
 
 }  // namespace qz2::entry

@@ -74,9 +74,15 @@ struct JoinedStart {
 // date of join the start stays.
 JoinedStart applyDateOfJoin(QDate start, std::optional<QDate> dateOfJoin);
 
+// The largest suffix an attendance number can carry: the suite's numbering reads suffixes
+// as 32-bit integers.
+inline constexpr qint64 kMaxAttendanceSuffix = 2147483647;
+
 // The attendance number: the prefix followed by the highest suffix plus one, with no
-// padding ("ATT" and 41 give "ATT42"). The highest suffix is read leniently (a NULL or
-// unreadable value counts as 0).
+// padding ("ATT" and 41 give "ATT42"), computed with integers. A NULL or empty highest
+// suffix counts as 0. Throws std::runtime_error with the reason (nothing is numbered) when
+// the next suffix would not fit, or the highest one is not a whole number: a duplicate or a
+// rounded number is never given.
 QString composeAttendanceNo(const QString& prefix, const QString& highestSuffix);
 
 }  // namespace qz2::entry

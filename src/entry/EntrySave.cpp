@@ -169,10 +169,20 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
             }
             const QString attendanceNo =
                 editMode ? txtAttNo->text().trimmed() : fnGenerateAttendanceNo();
+            // A number is never given twice: one already stored (hand-keyed, or left by a
+            // broken sequence) stops the save rather than making a second entry with it.
+            if (!editMode &&
+                db::scalar(gadocon, entry::savesql::attendanceNoTakenQuery(gintCompanyID,
+                                                                          attendanceNo))
+                        .toLongLong() > 0)
+                throw rules::SaveDataError(
+                    QStringLiteral("The attendance number %1 is already taken. Nothing was saved.")
+                        .arg(attendanceNo)
+                        .toStdString());
             helper->strTableName = LinkedTableNames.pEmployeeAttendence;
             newId = helper->fnGetNextMaxNo(QStringLiteral("eaID"));
 
-            const QString remarks = txtRemarks->text().trimmed();
+            const QString remarks = rules::cleanedText(txtRemarks->text());
             entry::savesql::InsertCommand header(gadocon, entry::savesql::headerInsert());
             header.execute(
                 {QVariant(gintCompanyID), QVariant(newId), QVariant(attendanceNo),

@@ -62,6 +62,13 @@ QString overlappingEntryQuery(const db::Dialect& d, qint16 company, qint32 emplo
     return d.top1(sql);
 }
 
+QString attendanceNoTakenQuery(qint16 company, const QString& attendanceNo) {
+    return QStringLiteral("Select count(*) from ") + LinkedTableNames.pEmployeeAttendence +
+           QStringLiteral(" where eaCompanyID=") + n(company) + QStringLiteral(" and eaNo='") +
+           QString(attendanceNo).replace(QLatin1Char('\''), QLatin1String("''")) +
+           QStringLiteral("'");
+}
+
 QString headerInsert() {
     return QStringLiteral("insert into ") + LinkedTableNames.pEmployeeAttendence +
            QStringLiteral("(eaCompanyID,eaID,eaNo,eaDate,eaEmpID,eaPresent,eaLeaves,eaAbsent, ") +

@@ -37,6 +37,10 @@ QString deleteHeader(qint16 company, qint32 oldId);
 QString overlappingEntryQuery(const db::Dialect& d, qint16 company, qint32 employee, QDate start,
                               QDate end, std::optional<qint32> editedId);
 
+// How many entries of the company already carry the attendance number (its quotes doubled in
+// the literal): a new entry's number must be free.
+QString attendanceNoTakenQuery(qint16 company, const QString& attendanceNo);
+
 // The three inserts, with positional "?" markers in column order (14, 7 and 7 values).
 QString headerInsert();
 QString detailInsert();

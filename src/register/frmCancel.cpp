@@ -9,6 +9,7 @@
 
 #include "db/Database.h"
 #include "register/RegisterSql.h"
+#include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
@@ -66,7 +67,8 @@ bool frmCancel::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frmCancel::cmdOK_Click() {
-    const QString reason = txtcanreason->text().trimmed();
+    // Control characters pasted into the reason would cut the statement short.
+    const QString reason = rules::cleanedText(txtcanreason->text());
     if (reason.isEmpty()) {
         MsgBox(QStringLiteral("Enter reason for deletion"));
         return;

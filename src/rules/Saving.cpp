@@ -132,6 +132,13 @@ std::optional<QString> staleEditMessage(const QString& entryNo, const QStringLis
     return std::nullopt;
 }
 
+QString cleanedText(const QString& text) {
+    QString out = text;
+    for (QChar& c : out)
+        if (c.category() == QChar::Other_Control) c = QLatin1Char(' ');
+    return out.trimmed();
+}
+
 bool processAttendanceMissing(const FlexGridModel& dayGrid, const FlexGridModel& mirror) {
     if (dayGrid.Rows() < 2) return true;
     if (mirror.Rows() >= 2) return false;

@@ -89,6 +89,11 @@ QStringList headerFingerprint(const QStringList& names, const QVector<QVariant>&
 std::optional<QString> staleEditMessage(const QString& entryNo, const QStringList& opened,
                                         const QStringList& stored, bool storedCancelled);
 
+// A clerk's free text (remarks, a reason) as it is stored: control characters (NUL, tabs,
+// line breaks pasted in) become one blank each, so that no text is cut short by a driver or
+// a statement, then the text is trimmed.
+QString cleanedText(const QString& text);
+
 // The save's "Process Attendance" check: no day rows, or no pair anywhere in the period
 // while some day is other than "P".
 bool processAttendanceMissing(const FlexGridModel& dayGrid, const FlexGridModel& mirror);
