@@ -12,6 +12,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QFileInfo>
 #include <QProcess>
 #include <QSet>
 #include <QSqlQuery>
@@ -491,3 +492,28 @@ TEST_F(SaveConcurrently, TwoClerksWhoseLockWaitRunsOutSeeTheDatabasesErrorAndSav
 }
 
 }  // namespace
+
+TEST_F(SaveInterrupted, AFileSizeLimitEndsInTheDatabasesMessageNotAKilledProcess) {
+    // No file of the process may grow past one page (a quota or a disk that is full): the
+    // save's journal and pages cannot be written. The process says why and lives on; the
+    // file is as it was.
+    useCopyOf(pristine);
+    QString before;
+    {
+        FileLook look(work);
+        before = look.t.dump();
+    }
+    const ChildResult r = runChild(childArgs() << QStringLiteral("--fsize") << QStringLiteral("4096")
+                                               << QStringLiteral("--retries")
+                                               << QStringLiteral("0"));
+    EXPECT_EQ(r.status, QProcess::NormalExit);
+    EXPECT_EQ(r.exitCode, 1) << r.lines.join('\n').toStdString();
+    const QStringList errors = r.lines.filter(QStringLiteral("error "));
+    ASSERT_EQ(errors.size(), 1) << r.lines.join('\n').toStdString();
+    EXPECT_TRUE(errors.first().contains(QStringLiteral("disk"), Qt::CaseInsensitive) ||
+                errors.first().contains(QStringLiteral("full"), Qt::CaseInsensitive))
+        << errors.first().toStdString();
+    FileLook look(work);
+    EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+    EXPECT_EQ(look.t.dump(), before);
+}

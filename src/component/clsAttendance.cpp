@@ -4,6 +4,7 @@
 
 #include "register/FrmMaster.h"
 #include "shared/BasAttendence.h"
+#include "shared/SharedServices.h"
 
 clsAttendance::clsAttendance(QObject* parent) : QObject(parent) {}
 clsAttendance::~clsAttendance() = default;
@@ -23,6 +24,7 @@ void clsAttendance::setAdocon(const QSqlDatabase& connection) {
 }
 
 void clsAttendance::Show() {
+    qz2::fnSurviveFileSizeLimit();
     qz2::gintUserID = m_userId;
     qz2::gintCompanyID = m_companyId;
     qz2::gstrMsgboxTitle = m_title;

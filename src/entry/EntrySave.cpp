@@ -73,6 +73,7 @@ void frmEmployeeDailyAttendance::connectSaveEvents() {
 
 void frmEmployeeDailyAttendance::cmdOK_Click() {
     m_saved = false;
+    fnSurviveFileSizeLimit();
     const FlexGridModel& days = *mfgAttendance->flexModel();
     const FlexGridModel& mirror = *mfgMirrorGrid->flexModel();
 

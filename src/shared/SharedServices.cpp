@@ -1,5 +1,7 @@
 #include "shared/SharedServices.h"
 
+#include <csignal>
+
 #include <dlfcn.h>
 
 #include <QCheckBox>
@@ -142,6 +144,12 @@ void fnWriteErrorLog(const QString& formName, qint16 userId, const QString& proc
             << '\n';
     }
     if (showMessage && errNumber != 0) MsgBox(errDescription, MsgButtons::Ok, MsgIcon::Exclamation);
+}
+
+void fnSurviveFileSizeLimit() {
+#ifdef SIGXFSZ
+    std::signal(SIGXFSZ, SIG_IGN);
+#endif
 }
 
 }  // namespace qz2

@@ -41,6 +41,11 @@ void setClock(std::function<QDateTime()> now);
 
 // The register grid the shared services work on (the open register's flexMaster).
 FlexGrid* registerGrid();
+
+// A write past the process's file-size limit fails with the database's own message (the
+// save rolls back and says so) instead of ending the clerk's program: the signal such a
+// write raises is ignored from here on.
+void fnSurviveFileSizeLimit();
 void setRegisterGrid(FlexGrid* grid);
 
 }  // namespace qz2

@@ -7,7 +7,9 @@
 // With --exit-at N the process ends abruptly (_exit, no clean-up of any kind) just before
 // the N-th statement of the save reaches the database, as a crash or a power cut would.
 // With --go FILE it waits until FILE exists, so that two children start at one moment.
+// With --fsize BYTES the process may write no file past that size (a quota, a full disk).
 
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <QApplication>
@@ -123,9 +125,17 @@ int main(int argc, char** argv) {
     const QCommandLineOption retriesOpt(QStringLiteral("retries"),
                                         QStringLiteral("OK presses after errors."),
                                         QStringLiteral("n"), QStringLiteral("200"));
+    const QCommandLineOption fsizeOpt(QStringLiteral("fsize"),
+                                      QStringLiteral("Largest file this process may write."),
+                                      QStringLiteral("bytes"));
     parser.addOptions({dbOpt, empOpt, startOpt, savesOpt, editOpt, exitOpt, countOpt, busyOpt,
-                       goOpt, retriesOpt});
+                       goOpt, retriesOpt, fsizeOpt});
     parser.process(app);
+    if (parser.isSet(fsizeOpt)) {
+        const rlim_t bytes = parser.value(fsizeOpt).toULongLong();
+        const rlimit limit{bytes, bytes};
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
 
     qz2::msgbox_testing::setAutoAnswer(true);
     try {
