@@ -15,6 +15,7 @@
 #include <QSet>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QLabel>
 #include <QTest>
 #include <QTimer>
 #include <memory>
@@ -716,3 +717,28 @@ TEST_F(RegisterWidget, DeleteRightMissingStillComesBackOnARowClick) {
 }
 
 }  // namespace
+
+// ---- Rights fail closed ------------------------------------------------------------------
+
+TEST_F(RegisterWidget, NothingCanBeStartedBeforeTheRightsAreKnown) {
+    // A fresh register, before its load: New, Edit and Delete are off.
+    form = std::make_unique<qz2::FrmMaster>();
+    expectButtons(false, false, false);
+}
+
+TEST_F(RegisterWidget, ALoadThatFailsBeforeTheRightsLeavesEveryButtonOff) {
+    db.exec(QStringLiteral("delete from pSettings where companyid = 1"));
+    qz2::gintUserID = 1;  // full rights, had they been read
+    open();
+    expectButtons(false, false, false);
+    EXPECT_TRUE(form->lblStatus->text().startsWith(QStringLiteral("The list could not be read")));
+}
+
+TEST_F(RegisterWidget, AUserWithoutARightsRowCannotStartANewEntry) {
+    qz2::gintUserID = 4;
+    open();
+    // New stays off; the row-click logic still turns Edit on for the current row, as the
+    // register has always done whatever the rights.
+    EXPECT_FALSE(form->cmdnew->isEnabled());
+    EXPECT_TRUE(form->CmdEdit->isEnabled());
+}

@@ -117,6 +117,9 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     CmdClose->setObjectName(QStringLiteral("CmdClose"));
     // Enter on a focused button presses it; elsewhere the form swallows Enter (keyPressEvent).
     for (QPushButton* b : {cmdnew, CmdEdit, CmdDelete, CmdClose}) b->setAutoDefault(true);
+    // Nothing may be started before the user's rights are known: the three buttons wait
+    // disabled for the load to apply the rights, and stay so when the load fails.
+    for (QPushButton* b : {cmdnew, CmdEdit, CmdDelete}) b->setEnabled(false);
     lblStatus = new QLabel(this);
     lblStatus->setObjectName(QStringLiteral("lblStatus"));
     lblStatus->setTextInteractionFlags(Qt::TextSelectableByMouse);
