@@ -10,6 +10,7 @@
 #include <QListWidget>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <QTest>
 
 #include "TestSupport.h"
@@ -444,5 +445,39 @@ TEST_F(PeriodFixture, PopulateForAnEmployeeWhoJoinsAfterThePeriodSaysSo) {
     form.dtpEndDate->setDate(QDate(2026, 12, 15));
     form.cmdPopulateRecords_Click();
     EXPECT_EQ(shownTexts(), QStringList({"End Date Should be Greater than Start Date"}));
+    EXPECT_EQ(form.mfgAttendance->Rows(), 1);
+}
+
+// A period longer than a (leap) year is refused where it is set, and by Populate: the end
+// goes back to the last one that made a period; 366 days are still one entry.
+TEST_F(PeriodFixture, APeriodOfMoreThan366DaysIsRefusedWhenItIsSet) {
+    load();
+    const QString tooLong = QStringLiteral(
+        "A period can be at most 366 days long. Choose an end date within a year of the start.");
+    ASSERT_EQ(form.txtStartDate->text(), QStringLiteral("16/11/2026"));
+    form.dtpEndDate->setDate(QDate(2026, 12, 20));
+    emit form.dtpEndDate->editingFinished();
+    EXPECT_TRUE(shownTexts().isEmpty());
+    // 367 days.
+    form.dtpEndDate->setDate(QDate(2027, 11, 17));
+    emit form.dtpEndDate->editingFinished();
+    EXPECT_EQ(shownTexts(), QStringList({tooLong}));
+    EXPECT_EQ(form.dtpEndDate->date(), QDate(2026, 12, 20));
+    EXPECT_EQ(form.txtEndDate->text(), QStringLiteral("20/12/2026"));
+    EXPECT_EQ(form.txtTotalDays->text(), QStringLiteral("35"));
+    // Decades typed as the end (the list would have thousands of days): refused at once.
+    msgbox_testing::clear();
+    form.dtpEndDate->setDate(QDate(2056, 11, 15));
+    emit form.dtpEndDate->editingFinished();
+    EXPECT_EQ(shownTexts(), QStringList({tooLong}));
+    EXPECT_LT(form.lstAbsentDays->count(), 367);
+    // Populate refuses it too, however it came about.
+    msgbox_testing::clear();
+    {
+        const QSignalBlocker quiet(form.dtpEndDate);
+        form.dtpEndDate->setDate(QDate(2028, 1, 1));
+    }
+    form.cmdPopulateRecords_Click();
+    EXPECT_EQ(shownTexts(), QStringList({tooLong}));
     EXPECT_EQ(form.mfgAttendance->Rows(), 1);
 }

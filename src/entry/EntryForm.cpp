@@ -14,6 +14,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QItemSelectionModel>
 #include <QListWidget>
 #include <QMenu>
 #include <QPushButton>
@@ -272,8 +273,12 @@ void frmEmployeeDailyAttendance::connectEvents() {
     connect(cmdCancel, &QPushButton::clicked, this, [this] { cmdCancel_Click(); });
     connect(lstAbsentDays, &QListWidget::itemChanged, this,
             [this](QListWidgetItem* item) { syncAbsentDayCheck(item); });
-    connect(lstAbsentDays, &QListWidget::itemSelectionChanged, this,
-            [this] { syncAbsentDaySelection(); });
+    // Only the items whose selection changed follow, so that picking many days stays
+    // linear in their number.
+    connect(lstAbsentDays->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this](const QItemSelection& selected, const QItemSelection& deselected) {
+                syncAbsentDaySelection(selected, deselected);
+            });
     // Enter moves on from these controls, as the Tab key would.
     for (QWidget* w : std::initializer_list<QWidget*>{
              cboEmpname, chkAllowanceDeductions, txtAttdate, txtAttNo, txtNoAbsent, txtNoLeave,

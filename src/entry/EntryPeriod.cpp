@@ -5,6 +5,7 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QLineEdit>
+#include <QItemSelection>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -120,6 +121,7 @@ bool frmEmployeeDailyAttendance::fnProposePeriod() {
     dtPeriodEnd = end;
     txtStartDate->setText(dateText(dtPeriodStart));
     dtpEndDate->setDate(dtPeriodEnd);
+    m_lastPeriodEnd = dtPeriodEnd;
     txtEndDate->setText(dateText(dtPeriodEnd));
     if (FnCheckCalendarSettingsNotEntered()) fnPopoulateList(dtPeriodStart, dtPeriodEnd);
     return true;
@@ -209,14 +211,19 @@ void frmEmployeeDailyAttendance::syncAbsentDayCheck(QListWidgetItem* item) {
     item->setSelected(item->checkState() == Qt::Checked);
 }
 
-void frmEmployeeDailyAttendance::syncAbsentDaySelection() {
+void frmEmployeeDailyAttendance::syncAbsentDaySelection(const QItemSelection& selected,
+                                                        const QItemSelection& deselected) {
     if (m_syncingAbsentDays) return;
     const QScopedValueRollback guard(m_syncingAbsentDays, true);
-    for (int i = 0; i < lstAbsentDays->count(); ++i) {
-        QListWidgetItem* item = lstAbsentDays->item(i);
-        const Qt::CheckState wanted = item->isSelected() ? Qt::Checked : Qt::Unchecked;
-        if (item->checkState() != wanted) item->setCheckState(wanted);
-    }
+    const auto follow = [this](const QItemSelection& changed, Qt::CheckState wanted) {
+        for (const QItemSelectionRange& range : changed)
+            for (int row = range.top(); row <= range.bottom(); ++row)
+                if (QListWidgetItem* item = lstAbsentDays->item(row);
+                    item && item->checkState() != wanted)
+                    item->setCheckState(wanted);
+    };
+    follow(deselected, Qt::Unchecked);
+    follow(selected, Qt::Checked);
 }
 
 }  // namespace qz2

@@ -13,8 +13,10 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSignalBlocker>
 #include <exception>
 
+#include "entry/EntryRules.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "rules/DayTypes.h"
@@ -66,7 +68,19 @@ void frmEmployeeDailyAttendance::fnPeriodChanged() {
     try {
         const std::optional<QDate> start = parseDmy(txtStartDate->text().trimmed());
         if (!start) return;
-        const QDate end = dtpEndDate->date();
+        QDate end = dtpEndDate->date();
+        if (entry::isPeriodTooLong(*start, end)) {
+            // Refused where it is set: the end goes back to the last one that made a period,
+            // or to a month from the start.
+            MsgBox(entry::kMsgPeriodTooLong, MsgButtons::Ok, MsgIcon::Information);
+            end = m_lastPeriodEnd.isValid() && m_lastPeriodEnd >= *start &&
+                          !entry::isPeriodTooLong(*start, m_lastPeriodEnd)
+                      ? m_lastPeriodEnd
+                      : start->addMonths(1).addDays(-1);
+            const QSignalBlocker quiet(dtpEndDate);
+            dtpEndDate->setDate(end);
+        }
+        m_lastPeriodEnd = end;
         txtEndDate->setText(dateText(end));
         fnShowTotalDays();
         if (*start > end || cboEmpname->currentIndex() < 0) return;  // Populate says why
@@ -92,6 +106,10 @@ void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
         // A one-day period (start equal to end) is valid.
         if (start > end) {
             MsgBox(QStringLiteral("End Date Should be Greater than Start Date"));
+            return;
+        }
+        if (entry::isPeriodTooLong(start, end)) {
+            MsgBox(entry::kMsgPeriodTooLong, MsgButtons::Ok, MsgIcon::Information);
             return;
         }
 

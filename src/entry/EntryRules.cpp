@@ -79,6 +79,10 @@ JoinedStart applyDateOfJoin(QDate start, std::optional<QDate> dateOfJoin) {
     return out;
 }
 
+bool isPeriodTooLong(QDate start, QDate end) {
+    return start.isValid() && end.isValid() && fnTotalDays(start, end) > kMaxPeriodDays;
+}
+
 QString composeAttendanceNo(const QString& prefix, const QString& highestSuffix) {
     const QString text = highestSuffix.trimmed();
     bool whole = true;

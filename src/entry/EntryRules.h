@@ -54,6 +54,14 @@ rules::DaySchedule toDaySchedule(const ScheduleLine& line);
 // Days of a period counting both ends: a period from a day to the same day is 1.
 qint64 fnTotalDays(QDate start, QDate end);
 
+// The longest period one entry may cover, in days (a leap year), and what the clerk is told
+// when a longer one is set.
+inline constexpr qint64 kMaxPeriodDays = 366;
+inline const QString kMsgPeriodTooLong = QStringLiteral(
+    "A period can be at most 366 days long. Choose an end date within a year of the start.");
+// Whether start..end (both counted) is longer than one entry may cover.
+bool isPeriodTooLong(QDate start, QDate end);
+
 // A pay-month start moved forward by the whole years from it to the business date, so
 // that it falls in the business date's year; a later start is left where it is.
 QDate movePayMonthStartIntoYear(QDate payRollDay, QDate processDate);

@@ -24,6 +24,7 @@
 class QAction;
 class QCheckBox;
 class QComboBox;
+class QItemSelection;
 class QKeyEvent;
 class QDateEdit;
 class QGroupBox;
@@ -272,7 +273,7 @@ private:
     void applyTabOrder();
     bool isNewMode() const;
     void syncAbsentDayCheck(QListWidgetItem* item);
-    void syncAbsentDaySelection();
+    void syncAbsentDaySelection(const QItemSelection& selected, const QItemSelection& deselected);
 
     std::unique_ptr<commonmodule::clsCommonGen> m_gen;
     std::unique_ptr<commonmodule::clsCommonDB> m_db;
@@ -280,6 +281,7 @@ private:
     bool m_loaded = false;
     bool m_inEmployeeClick = false;
     bool m_syncingAbsentDays = false;
+    QDate m_lastPeriodEnd;  // the last end date that made an acceptable period
 };
 
 }  // namespace qz2
