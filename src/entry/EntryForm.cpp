@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QEvent>
@@ -18,6 +19,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
+#include <QSet>
 #include <QSplitter>
 #include <QTimeEdit>
 #include <QVBoxLayout>
@@ -31,6 +33,7 @@
 #include "picker/frmEmployeesAttendanceEntryStatus.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
 
 namespace qz2 {
 
@@ -276,6 +279,10 @@ void frmEmployeeDailyAttendance::connectEvents() {
              cboEmpname, chkAllowanceDeductions, txtAttdate, txtAttNo, txtNoAbsent, txtNoLeave,
              txtNoPresent, txtStartDate, txtTotalDays, lstAbsentDays, txtRemarks})
         w->installEventFilter(this);
+    // Enter on a focused button presses it (the buttons are no dialog defaults, so Enter
+    // elsewhere never does).
+    for (QPushButton* b : {cmdEmployee, cmdPopulateRecords, cmdOK, cmdCancel})
+        b->installEventFilter(this);
     connectPopulateEvents();
     connectPairEvents();
     connectDayEvents();
@@ -308,9 +315,16 @@ void frmEmployeeDailyAttendance::applyTabOrder() {
 
 bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
     if (pairsEventFilter(watched, event) || dayEventFilter(watched, event)) return true;
+    // The wheel over the employee box scrolls past it; it never chooses another employee.
+    if (watched == cboEmpname && event->type() == QEvent::Wheel) return true;
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+        const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+        if (auto* b = qobject_cast<QPushButton*>(watched); b && enter) {
+            if (b->isEnabled()) b->click();
+            return true;
+        }
+        if (enter) {
             if (watched == txtRemarks)
                 fnEnterToTab(13);
             else
@@ -323,20 +337,22 @@ bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
 
 void frmEmployeeDailyAttendance::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {
-        // A period's keyed work is thrown away only by Cancel or the window's close button,
-        // never by a stray Escape. Escape over the time picker puts the cell's own time back
-        // in it and closes it, so that nothing new is committed when the cell is left.
-        if (dtpCheckTime->isVisible()) {
-            const int row = mfgCheckinCheckOut->Row();
-            const int col = mfgCheckinCheckOut->Col();
-            const std::optional<TimeValue> time =
-                row > 0 ? parseTime(mfgCheckinCheckOut->TextMatrix(row, col)) : std::nullopt;
-            dtpCheckTime->setTime(time ? time->timeOfDay() : QTime(0, 0));
-            if (dtpCheckTime->hasFocus() || dtpCheckTime->isAncestorOf(QApplication::focusWidget()))
-                mfgCheckinCheckOut->setFocus();
-            dtpCheckTime->setVisible(false);
-        }
+        // Escape over the time picker puts the cell's own time back in it and closes it, so
+        // that nothing new is committed when the cell is left. Anywhere else it is Cancel,
+        // which asks before any keyed work is thrown away.
         event->accept();
+        if (!dtpCheckTime->isVisible()) {
+            cmdCancel_Click();
+            return;
+        }
+        const int row = mfgCheckinCheckOut->Row();
+        const int col = mfgCheckinCheckOut->Col();
+        const std::optional<TimeValue> time =
+            row > 0 ? parseTime(mfgCheckinCheckOut->TextMatrix(row, col)) : std::nullopt;
+        dtpCheckTime->setTime(time ? time->timeOfDay() : QTime(0, 0));
+        if (dtpCheckTime->hasFocus() || dtpCheckTime->isAncestorOf(QApplication::focusWidget()))
+            mfgCheckinCheckOut->setFocus();
+        dtpCheckTime->setVisible(false);
         return;
     }
     QDialog::keyPressEvent(event);
@@ -345,6 +361,20 @@ void frmEmployeeDailyAttendance::keyPressEvent(QKeyEvent* event) {
 void frmEmployeeDailyAttendance::showEvent(QShowEvent* event) {
     if (!m_loaded) Form_Load();
     QDialog::showEvent(event);
+    // What the clerk first sees (a new entry's proposal, a stored entry as loaded) is
+    // nothing of theirs to lose.
+    if (!m_shown) {
+        m_shown = true;
+        fnTakeBaseline();
+    }
+}
+
+void frmEmployeeDailyAttendance::closeEvent(QCloseEvent* event) {
+    if (isVisible() && !fnMayDiscardWork(kMsgDiscardOnClose)) {
+        event->ignore();
+        return;
+    }
+    QDialog::closeEvent(event);
 }
 
 bool frmEmployeeDailyAttendance::isNewMode() const {
@@ -381,11 +411,65 @@ void frmEmployeeDailyAttendance::Form_Load() {
     } catch (const std::exception&) {
         // A failed start-up leaves the form with what was filled, without a message.
     }
+    m_employeeIndex = cboEmpname->currentIndex();
+    fnTakeBaseline();
     cboEmpname->setFocus();
 }
 
 void frmEmployeeDailyAttendance::cmdCancel_Click() {
+    if (!fnMayDiscardWork(kMsgDiscardOnClose)) return;
     reject();
+}
+
+QString frmEmployeeDailyAttendance::fnEntrySnapshot() const {
+    // Everything saving would write, except the employee: choosing another one is asked
+    // about on its own and starts a new baseline.
+    QStringList parts = {txtAttdate->text(), txtStartDate->text(),
+                         dtpEndDate->date().toString(Qt::ISODate), txtRemarks->text()};
+    for (int i = 0; i < lstAbsentDays->count(); ++i)
+        if (isAbsentDayPicked(lstAbsentDays->item(i))) parts << lstAbsentDays->item(i)->text();
+    const auto rowText = [](const FlexGrid* grid, int row, int fromCol) {
+        QStringList cells;
+        for (int c = fromCol; c < grid->Cols(); ++c) cells << grid->TextMatrix(row, c);
+        return cells.join(QLatin1Char('|'));
+    };
+    parts << QStringLiteral("days");
+    for (int r = 1; r < mfgAttendance->Rows(); ++r) parts << rowText(mfgAttendance, r, colDate);
+    parts << QStringLiteral("pairs");
+    QSet<QString> mirrored;
+    for (int r = 1; r < mfgMirrorGrid->Rows(); ++r) {
+        parts << rowText(mfgMirrorGrid, r, colPairDate);
+        mirrored.insert(parts.last());
+    }
+    // The day on show is a view of the pairs above; only a time keyed into it that has not
+    // reached them yet (an unfinished pair) is extra.
+    for (int r = 1; r < mfgCheckinCheckOut->Rows(); ++r) {
+        const QString row = rowText(mfgCheckinCheckOut, r, colPairDate);
+        const bool timed = !mfgCheckinCheckOut->TextMatrix(r, colCheckIn).trimmed().isEmpty() ||
+                           !mfgCheckinCheckOut->TextMatrix(r, colCheckOut).trimmed().isEmpty();
+        if (timed && !mirrored.contains(row)) parts << QStringLiteral("keyed:") + row;
+    }
+    // A time picked but not yet committed.
+    if (!dtpCheckTime->isHidden() && mfgCheckinCheckOut->Row() > 0) {
+        const std::optional<TimeValue> cell = parseTime(
+            mfgCheckinCheckOut->TextMatrix(mfgCheckinCheckOut->Row(), mfgCheckinCheckOut->Col()));
+        const QTime shown = cell ? cell->timeOfDay() : QTime(0, 0);
+        if (dtpCheckTime->time() != shown) parts << QStringLiteral("picking");
+    }
+    return parts.join(QChar(0x1f));
+}
+
+void frmEmployeeDailyAttendance::fnTakeBaseline() {
+    m_baseline = fnEntrySnapshot();
+}
+
+bool frmEmployeeDailyAttendance::fnHasUnsavedWork() const {
+    return m_baseline && fnEntrySnapshot() != *m_baseline;
+}
+
+bool frmEmployeeDailyAttendance::fnMayDiscardWork(const QString& question) {
+    if (m_saved || !fnHasUnsavedWork()) return true;
+    return MsgBox(question, MsgButtons::YesNo, MsgIcon::Question) == MsgResult::Yes;
 }
 
 void frmEmployeeDailyAttendance::cmdEmployee_Click() {

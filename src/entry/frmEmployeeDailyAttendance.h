@@ -67,7 +67,21 @@ public:
     // whatever was filled. Runs by itself when the form is first shown.
     void Form_Load();
     bool isLoaded() const { return m_loaded; }
+    // Cancel, Escape and the window's close button: closes without saving, after asking
+    // when the form holds work that is not saved.
     void cmdCancel_Click();
+    // Whether anything was keyed since the form was opened, the stored entry loaded or the
+    // employee chosen: the period, the picks, the days, the pairs, the claims, the remarks,
+    // a time still in the picker.
+    bool fnHasUnsavedWork() const;
+    static inline const QString kMsgDiscardOnClose =
+        QStringLiteral("This entry has changes that are not saved. Close it and lose them?");
+    static inline const QString kMsgDiscardOnEmployee = QStringLiteral(
+        "This entry has changes that are not saved. Choose another employee and lose them?");
+    // The clerk agrees to lose the unsaved work (asked with `question`), or there is none.
+    bool fnMayDiscardWork(const QString& question);
+    // What the form holds now becomes the saved state the next question compares against.
+    void fnTakeBaseline();
     // Shows the employee picker; choosing there selects the employee in cboEmpname.
     void cmdEmployee_Click();
     // Headings and widths of the day grid, left with its heading row only.
@@ -239,6 +253,7 @@ protected:
     // Escape abandons a time being picked and never closes the form.
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     // Each concern wires its own widgets' events; connectEvents() calls them all.
@@ -268,6 +283,11 @@ private:
     bool m_loaded = false;
     bool m_inEmployeeClick = false;
     bool m_syncingAbsentDays = false;
+    // The entry as it stood when last opened, loaded or given another employee.
+    QString fnEntrySnapshot() const;
+    std::optional<QString> m_baseline;
+    bool m_shown = false;
+    int m_employeeIndex = -1;  // the employee whose days the form holds
 };
 
 }  // namespace qz2

@@ -1,0 +1,255 @@
+// The entry form at the keyboard and its safety nets, driven like a clerk offscreen on the
+// demo month: Enter on a focused button, Escape as Cancel, the question before keyed work
+// is thrown away (Cancel, Escape, the close button, another employee), the wheel over the
+// employee box, the popups from the keyboard, the Alt letters of every form, the date boxes,
+// and how the days look.
+
+#include <gtest/gtest.h>
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QDir>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMenu>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <QTimeEdit>
+#include <QWheelEvent>
+#include <memory>
+
+#include "TestSupport.h"
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "picker/frmEmployeesAttendanceEntryStatus.h"
+#include "register/FrmMaster.h"
+#include "register/frmCancel.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
+
+using namespace qz2;
+using qz2test::PopupWatch;
+using qz2test::TestDb;
+
+namespace {
+
+QStringList shownTexts() {
+    QStringList out;
+    for (const ShownMessage& m : msgbox_testing::shown()) out << m.text;
+    return out;
+}
+
+// The demo month of December 2026 for Anna Baker (the third employee by name): Sundays
+// are her days off, the 24th to the 26th are holidays.
+struct KeyboardFixture : ::testing::Test {
+    void SetUp() override {
+        gstrEntryMode = QStringLiteral("N");
+        msgbox_testing::clear();
+        form = std::make_unique<frmEmployeeDailyAttendance>();
+        form->Form_Load();
+        form->cboEmpname->setCurrentIndex(2);
+        ASSERT_EQ(form->txtStartDate->text(), QStringLiteral("01/12/2026"));
+        form->show();
+        form->resize(1120, 900);
+        QApplication::setActiveWindow(form.get());
+        ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+        msgbox_testing::clear();
+    }
+    void TearDown() override {
+        msgbox_testing::setAutoAnswer(false);
+        msgbox_testing::clear();
+        form.reset();
+    }
+    void populate() {
+        QTest::mouseClick(form->cmdPopulateRecords, Qt::LeftButton);
+        ASSERT_EQ(days()->Rows(), 32);
+    }
+    FlexGrid* days() const { return form->mfgAttendance; }
+    FlexGrid* pairs() const { return form->mfgCheckinCheckOut; }
+    static QPoint centre(FlexGrid* g, int row, int col) {
+        return g->visualRect(g->model()->index(row - 1, col)).center();
+    }
+    void showDay(int row) {
+        QTest::mouseClick(days()->viewport(), Qt::LeftButton, {}, centre(days(), row, 1));
+        ASSERT_EQ(days()->Row(), row);
+    }
+    // The questions asked since the last clear.
+    static int questions() {
+        int n = 0;
+        for (const ShownMessage& m : msgbox_testing::shown())
+            if (m.buttons == MsgButtons::YesNo) ++n;
+        return n;
+    }
+
+    TestDb demo{true, QDate(2026, 12, 21)};
+    std::unique_ptr<frmEmployeeDailyAttendance> form;
+};
+
+}  // namespace
+
+// ---- Enter on a button, Escape ------------------------------------------------------------
+
+TEST_F(KeyboardFixture, EnterOnAFocusedButtonPressesIt) {
+    form->cmdPopulateRecords->setFocus();
+    QTest::keyClick(form->cmdPopulateRecords, Qt::Key_Return);
+    EXPECT_EQ(days()->Rows(), 32);
+
+    QString opened;
+    qz2test::whenModal([&opened](QWidget* w) {
+        opened = w->objectName();
+        if (auto* d = qobject_cast<QDialog*>(w)) d->reject();
+    });
+    form->cmdEmployee->setFocus();
+    QTest::keyClick(form->cmdEmployee, Qt::Key_Enter);
+    EXPECT_EQ(opened, QStringLiteral("frmEmployeesAttendanceEntryStatus"));
+    EXPECT_TRUE(form->isVisible());
+
+    const qint64 before = demo.scalar("select count(*) from pEmployeeAttendence").toLongLong();
+    msgbox_testing::setAutoAnswer(true);
+    form->cmdOK->setFocus();
+    QTest::keyClick(form->cmdOK, Qt::Key_Return);
+    EXPECT_TRUE(form->saved()) << shownTexts().join(QLatin1Char('/')).toStdString();
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(demo.scalar("select count(*) from pEmployeeAttendence").toLongLong(), before + 1);
+}
+
+TEST_F(KeyboardFixture, EnterOnCancelClosesAFormWithNothingKeyed) {
+    form->cmdCancel->setFocus();
+    QTest::keyClick(form->cmdCancel, Qt::Key_Return);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->result(), QDialog::Rejected);
+    EXPECT_EQ(questions(), 0);
+}
+
+TEST_F(KeyboardFixture, EscapeIsCancel) {
+    form->txtRemarks->setFocus();
+    QTest::keyClick(form->txtRemarks, Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->result(), QDialog::Rejected);
+    EXPECT_EQ(questions(), 0);  // nothing keyed: nothing to ask
+}
+
+TEST_F(KeyboardFixture, EscapeOnKeyedWorkAsksAndNoKeepsTheForm) {
+    QTest::keyClicks(form->txtRemarks, QStringLiteral("late bus"));
+    QString asked;
+    qz2test::answerNextMessageBox(QMessageBox::No, &asked);
+    QTest::keyClick(form->txtRemarks, Qt::Key_Escape);
+    EXPECT_EQ(asked, frmEmployeeDailyAttendance::kMsgDiscardOnClose);
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(form->txtRemarks->text(), QStringLiteral("late bus"));
+
+    qz2test::answerNextMessageBox(QMessageBox::Yes);
+    QTest::keyClick(form->txtRemarks, Qt::Key_Escape);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->result(), QDialog::Rejected);
+}
+
+TEST_F(KeyboardFixture, EscapeOverTheTimePickerDropsTheTimeAndTheNextIsCancel) {
+    populate();
+    msgbox_testing::clear();
+    showDay(4);  // Friday the 4th: 09:00-13:00, 14:00-16:00
+    QTest::mouseClick(pairs()->viewport(), Qt::LeftButton, {}, centre(pairs(), 2, 3));
+    ASSERT_TRUE(form->dtpCheckTime->isVisible());
+    form->dtpCheckTime->setTime(QTime(19, 45));
+    QTest::keyClick(form->dtpCheckTime, Qt::Key_Escape);
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_FALSE(form->dtpCheckTime->isVisible());
+    EXPECT_EQ(pairs()->TextMatrix(2, 3), QStringLiteral("16:00"));
+    EXPECT_EQ(questions(), 0);
+
+    // Escape again, now on the grid: Cancel, and the populated month is asked about.
+    msgbox_testing::pushAnswer(MsgResult::Yes);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+    EXPECT_EQ(questions(), 1);
+    EXPECT_FALSE(form->isVisible());
+    EXPECT_EQ(form->result(), QDialog::Rejected);
+}
+
+// ---- Asking before keyed work is lost ----------------------------------------------------
+
+TEST_F(KeyboardFixture, CancelAsksOnceTheDaysArePopulated) {
+    populate();
+    showDay(3);  // looking at a day is no work
+    msgbox_testing::pushAnswer(MsgResult::No);
+    QTest::mouseClick(form->cmdCancel, Qt::LeftButton);
+    ASSERT_EQ(questions(), 1);
+    EXPECT_EQ(msgbox_testing::shown().last().text, frmEmployeeDailyAttendance::kMsgDiscardOnClose);
+    EXPECT_EQ(msgbox_testing::shown().last().icon, MsgIcon::Question);
+    EXPECT_TRUE(form->isVisible());
+    EXPECT_EQ(days()->Rows(), 32);
+
+    msgbox_testing::pushAnswer(MsgResult::Yes);
+    QTest::mouseClick(form->cmdCancel, Qt::LeftButton);
+    EXPECT_EQ(questions(), 2);
+    EXPECT_FALSE(form->isVisible());
+}
+
+TEST_F(KeyboardFixture, TheCloseButtonAsksToo) {
+    form->lstAbsentDays->item(3)->setCheckState(Qt::Checked);  // a pick is keyed work
+    msgbox_testing::pushAnswer(MsgResult::No);
+    form->close();
+    EXPECT_EQ(questions(), 1);
+    EXPECT_TRUE(form->isVisible());
+
+    form->lstAbsentDays->item(3)->setCheckState(Qt::Unchecked);  // taken back: nothing left
+    form->close();
+    EXPECT_EQ(questions(), 1);
+    EXPECT_FALSE(form->isVisible());
+}
+
+TEST_F(KeyboardFixture, AnUnfinishedPairAndAChangedTimeAreKeyedWork) {
+    populate();
+    form->fnTakeBaseline();  // as though the populated month had been saved and reopened
+    showDay(4);
+    EXPECT_FALSE(form->fnHasUnsavedWork());
+    QTest::mouseClick(pairs()->viewport(), Qt::LeftButton, {}, centre(pairs(), 2, 3));
+    ASSERT_TRUE(form->dtpCheckTime->isVisible());
+    form->dtpCheckTime->setTime(QTime(16, 30));
+    EXPECT_TRUE(form->fnHasUnsavedWork());  // still in the picker
+    QTest::keyClick(form->dtpCheckTime, Qt::Key_Return);
+    EXPECT_TRUE(form->fnHasUnsavedWork());  // committed
+}
+
+TEST_F(KeyboardFixture, AnotherEmployeeAsksAndNoKeepsTheDays) {
+    populate();
+    QString asked;
+    qz2test::answerNextMessageBox(QMessageBox::No, &asked);
+    form->cboEmpname->setFocus();
+    QTest::keyClick(form->cboEmpname, Qt::Key_Down);
+    EXPECT_EQ(asked, frmEmployeeDailyAttendance::kMsgDiscardOnEmployee);
+    EXPECT_EQ(form->cboEmpname->currentIndex(), 2);
+    EXPECT_EQ(form->lngEmployeeID, form->cboEmpname->itemData(2).toInt());
+    EXPECT_EQ(days()->Rows(), 32);
+
+    qz2test::answerNextMessageBox(QMessageBox::Yes);
+    QTest::keyClick(form->cboEmpname, Qt::Key_Down);
+    EXPECT_EQ(form->cboEmpname->currentIndex(), 3);
+    EXPECT_EQ(form->lngEmployeeID, form->cboEmpname->itemData(3).toInt());
+    EXPECT_EQ(days()->Rows(), 1);
+
+    // The next employee's form holds nothing keyed yet: moving on asks nothing.
+    msgbox_testing::clear();
+    QTest::keyClick(form->cboEmpname, Qt::Key_Up);
+    EXPECT_EQ(form->cboEmpname->currentIndex(), 2);
+    EXPECT_EQ(questions(), 0);
+}
+
+TEST_F(KeyboardFixture, TheWheelNeverChangesTheEmployee) {
+    const QPoint at = form->cboEmpname->rect().center();
+    for (int delta : {-120, 120, -120}) {
+        QWheelEvent wheel(at, form->cboEmpname->mapToGlobal(at), QPoint(), QPoint(0, delta),
+                          Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(form->cboEmpname, &wheel);
+        EXPECT_EQ(form->cboEmpname->currentIndex(), 2);
+    }
+    EXPECT_EQ(form->lngEmployeeID, form->cboEmpname->itemData(2).toInt());
+}
