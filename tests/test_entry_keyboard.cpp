@@ -253,3 +253,221 @@ TEST_F(KeyboardFixture, TheWheelNeverChangesTheEmployee) {
     }
     EXPECT_EQ(form->lngEmployeeID, form->cboEmpname->itemData(2).toInt());
 }
+
+// ---- Popups from the keyboard ---------------------------------------------------------
+
+namespace {
+
+QStringList visibleItems(QMenu* menu) {
+    QStringList names;
+    for (QAction* a : menu->actions())
+        if (a->isVisible()) names << a->objectName();
+    return names;
+}
+
+// Chooses the named item of an open popup the way the keyboard would.
+void choose(QMenu* menu, const char* name) {
+    for (QAction* a : menu->actions()) {
+        if (a->objectName() == QLatin1String(name) && a->isVisible() && a->isEnabled()) {
+            menu->setActiveAction(a);
+            QTest::keyClick(menu, Qt::Key_Return);
+            return;
+        }
+    }
+    ADD_FAILURE() << "the popup has no usable item " << name;
+    menu->close();
+}
+
+}  // namespace
+
+TEST_F(KeyboardFixture, TheMenuKeyAndShiftF10OpenTheHalfDayPopupOnTheCurrentDay) {
+    populate();
+    showDay(4);  // Friday the 4th, present
+    msgbox_testing::setAutoAnswer(true);
+    QStringList items;
+    QString caption;
+    {
+        const PopupWatch watch([&](QMenu* menu) {
+            items = visibleItems(menu);
+            caption = form->mnuHalfDay->text();
+            choose(menu, "mnuHalfDay");
+        });
+        days()->setFocus();
+        QTest::keyClick(days(), Qt::Key_Menu);
+        EXPECT_TRUE(watch.seen());
+    }
+    EXPECT_EQ(items, QStringList({"mnuHalfDay"}));
+    EXPECT_EQ(caption, QStringLiteral("&Mark Half Day Absent"));
+    EXPECT_EQ(days()->TextMatrix(4, 2), QStringLiteral("HA"));
+
+    {
+        const PopupWatch watch([&](QMenu* menu) {
+            caption = form->mnuHalfDay->text();
+            choose(menu, "mnuHalfDay");
+        });
+        QTest::keyClick(days(), Qt::Key_F10, Qt::ShiftModifier);
+        EXPECT_TRUE(watch.seen());
+    }
+    EXPECT_EQ(caption, QStringLiteral("&Unmark Half Day Absent"));
+    EXPECT_EQ(days()->TextMatrix(4, 2), QStringLiteral("P"));
+
+    // A holiday offers no half day, from the keyboard as from the mouse.
+    showDay(25);
+    ASSERT_EQ(days()->TextMatrix(25, 2), QStringLiteral("H"));
+    const PopupWatch none([](QMenu* menu) { menu->close(); });
+    days()->setFocus();
+    QTest::keyClick(days(), Qt::Key_Menu);
+    EXPECT_FALSE(none.seen());
+}
+
+TEST_F(KeyboardFixture, ShiftF10OverThePickerOpensTheDeletePopupForItsPair) {
+    populate();
+    showDay(4);
+    ASSERT_EQ(pairs()->Rows(), 3);
+    QTest::mouseClick(pairs()->viewport(), Qt::LeftButton, {}, centre(pairs(), 2, 2));
+    ASSERT_TRUE(form->dtpCheckTime->isVisible());
+    QStringList items;
+    {
+        const PopupWatch watch([&](QMenu* menu) {
+            items = visibleItems(menu);
+            choose(menu, "mnuDelete");
+        });
+        QTest::keyClick(form->dtpCheckTime, Qt::Key_F10, Qt::ShiftModifier);
+        EXPECT_TRUE(watch.seen());
+    }
+    EXPECT_EQ(items, QStringList({"mnuDelete"}));
+    ASSERT_EQ(pairs()->Rows(), 2);  // the afternoon pair is gone
+    EXPECT_EQ(pairs()->TextMatrix(1, 2), QStringLiteral("09:00"));
+
+    // The Menu key on the grid itself acts on its current pair.
+    pairs()->setCurrentCell(1, 1);
+    pairs()->setFocus();
+    {
+        const PopupWatch watch([&](QMenu* menu) { choose(menu, "mnuDelete"); });
+        QTest::keyClick(pairs(), Qt::Key_Menu);
+        EXPECT_TRUE(watch.seen());
+    }
+    EXPECT_EQ(pairs()->Rows(), 2);  // the last pair is emptied, not removed
+    EXPECT_TRUE(pairs()->TextMatrix(1, 2).isEmpty());
+}
+
+// ---- Alt letters ---------------------------------------------------------------------------
+
+namespace {
+
+// The Alt letters of a form: its buttons' and group boxes' captions, and the captions of the
+// labels that lead to a control. Each letter with the captions that carry it.
+QMap<QString, QStringList> altLetters(QWidget* form) {
+    QMap<QString, QStringList> letters;
+    const auto add = [&letters](const QString& caption) {
+        const QKeySequence key = QKeySequence::mnemonic(caption);
+        if (!key.isEmpty()) letters[key.toString()] << caption;
+    };
+    for (const QAbstractButton* b : form->findChildren<QAbstractButton*>()) add(b->text());
+    for (const QGroupBox* g : form->findChildren<QGroupBox*>()) add(g->title());
+    for (const QLabel* l : form->findChildren<QLabel*>())
+        if (l->buddy()) add(l->text());
+    return letters;
+}
+
+QStringList clashes(QWidget* form) {
+    QStringList out;
+    const QMap<QString, QStringList> letters = altLetters(form);
+    for (auto it = letters.begin(); it != letters.end(); ++it)
+        if (it.value().size() > 1) out << it.key() + QStringLiteral(": ") + it.value().join(QLatin1String(", "));
+    return out;
+}
+
+}  // namespace
+
+TEST_F(KeyboardFixture, NoTwoControlsOfAFormShareAnAltLetter) {
+    EXPECT_EQ(clashes(form.get()), QStringList());
+    EXPECT_GE(altLetters(form.get()).size(), 10);
+    FrmMaster reg;
+    EXPECT_EQ(clashes(&reg), QStringList());
+    EXPECT_GE(altLetters(&reg).size(), 8);
+    frmCancel reason;
+    EXPECT_EQ(clashes(&reason), QStringList());
+    frmEmployeesAttendanceEntryStatus picker(form->cboEmpname);
+    EXPECT_EQ(clashes(&picker), QStringList());
+}
+
+TEST_F(KeyboardFixture, EachAltLetterReachesItsControl) {
+    QTest::keyClick(form.get(), Qt::Key_M, Qt::AltModifier);
+    EXPECT_EQ(QApplication::focusWidget(), form->txtStartDate);
+    QString opened;
+    qz2test::whenModal([&opened](QWidget* w) {
+        opened = w->objectName();
+        if (auto* d = qobject_cast<QDialog*>(w)) d->reject();
+    });
+    // A button's letter presses it as a short animated click.
+    QTest::keyClick(form.get(), Qt::Key_F, Qt::AltModifier);
+    (void)QTest::qWaitFor([&opened] { return !opened.isEmpty(); }, 3000);
+    EXPECT_EQ(opened, QStringLiteral("frmEmployeesAttendanceEntryStatus"));
+
+    FrmMaster reg;
+    reg.show();
+    QApplication::setActiveWindow(&reg);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&reg));
+    QTest::keyClick(&reg, Qt::Key_G, Qt::AltModifier);
+    EXPECT_TRUE(QTest::qWaitFor([&reg] { return reg.optDescend->isChecked(); }, 3000));
+}
+
+// ---- The period's dates ------------------------------------------------------------------
+
+TEST_F(KeyboardFixture, APeriodErrorIsShownOnce) {
+    msgbox_testing::setAutoAnswer(true);
+    demo.exec("delete from pCalenderHeader where financialid=2027");
+    form->dtpEndDate->setFocus();
+    form->dtpEndDate->setDate(QDate(2027, 1, 15));
+    QTest::keyClick(form->dtpEndDate, Qt::Key_Return);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    const QString missing =
+        QStringLiteral("Calender Settings not Found for Administration for the year - 2027");
+    EXPECT_EQ(shownTexts(), QStringList({missing}));
+    EXPECT_FALSE(form->cmdPopulateRecords->isEnabled());
+
+    // The start box, left by Enter: once again.
+    msgbox_testing::clear();
+    form->txtStartDate->setFocus();
+    form->txtStartDate->selectAll();
+    QTest::keyClicks(form->txtStartDate, QStringLiteral("02/12/2026"));
+    QTest::keyClick(form->txtStartDate, Qt::Key_Return);
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    EXPECT_EQ(shownTexts(), QStringList({missing}));
+}
+
+TEST_F(KeyboardFixture, TheEndDateTakesADateTypedWithSlashes) {
+    form->txtStartDate->setFocus();
+    QTest::keyClick(form->txtStartDate, Qt::Key_Tab);
+    ASSERT_EQ(QApplication::focusWidget(), form->dtpEndDate);
+    QTest::keyClicks(form->dtpEndDate, QStringLiteral("15/01/2027"));
+    EXPECT_EQ(form->dtpEndDate->date(), QDate(2027, 1, 15));
+    QTest::keyClick(form->dtpEndDate, Qt::Key_Tab);
+    EXPECT_EQ(form->txtEndDate->text(), QStringLiteral("15/01/2027"));
+    EXPECT_EQ(form->txtTotalDays->text(), QStringLiteral("46"));
+
+    // Typed over the whole text, and with one-digit parts.
+    form->dtpEndDate->setFocus();
+    QTest::keyClick(form->dtpEndDate, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(form->dtpEndDate, QStringLiteral("20/02/2027"));
+    EXPECT_EQ(form->dtpEndDate->date(), QDate(2027, 2, 20));
+    form->dtpEndDate->setFocus();
+    QTest::keyClick(form->dtpEndDate, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(form->dtpEndDate, QStringLiteral("5/1/2027"));
+    EXPECT_EQ(form->dtpEndDate->date(), QDate(2027, 1, 5));
+}
+
+TEST_F(KeyboardFixture, TheDateBoxesTakeOneDigitDaysAndMonths) {
+    form->txtStartDate->setFocus();
+    form->txtStartDate->selectAll();
+    QTest::keyClicks(form->txtStartDate, QStringLiteral("3/12/2026"));
+    QTest::keyClick(form->txtStartDate, Qt::Key_Return);
+    EXPECT_EQ(form->txtStartDate->text(), QStringLiteral("03/12/2026"));
+    EXPECT_EQ(form->txtTotalDays->text(), QStringLiteral("29"));
+    form->txtAttdate->setFocus();
+    form->txtAttdate->selectAll();
+    QTest::keyClicks(form->txtAttdate, QStringLiteral("2/1/2027"));
+    QTest::keyClick(form->txtAttdate, Qt::Key_Tab);
+    EXPECT_EQ(form->txtAttdate->text(), QStringLiteral("02/01/2027"));
+}

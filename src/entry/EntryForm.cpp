@@ -60,6 +60,23 @@ QPushButton* button(QWidget* parent, const char* name, const QString& caption) {
     return b;
 }
 
+// The keyboard's way to a popup: the Menu key, or Shift+F10.
+bool isMenuKey(const QKeyEvent* key) {
+    return key->key() == Qt::Key_Menu ||
+           (key->key() == Qt::Key_F10 && (key->modifiers() & Qt::ShiftModifier));
+}
+
+// Where a cell of a grid is, for a popup asked for from the keyboard: the popups take the
+// point of a right click, and this is the point the clerk is looking at.
+std::optional<QPoint> cellCentre(FlexGrid* grid, int row, int col) {
+    if (row < 1 || row >= grid->Rows()) return std::nullopt;
+    const QModelIndex index = grid->model()->index(row - 1, col);
+    grid->scrollTo(index);
+    const QRect cell = grid->visualRect(index);
+    if (cell.isEmpty()) return std::nullopt;
+    return cell.center();
+}
+
 QLabel* buddyLabel(const QString& caption, QWidget* buddy, QWidget* parent) {
     auto* label = new QLabel(caption, parent);
     label->setBuddy(buddy);
@@ -81,7 +98,11 @@ frmEmployeeDailyAttendance::frmEmployeeDailyAttendance(QWidget* parent) : QDialo
     fnSetUpMirrorGrid();
 }
 
-frmEmployeeDailyAttendance::~frmEmployeeDailyAttendance() = default;
+frmEmployeeDailyAttendance::~frmEmployeeDailyAttendance() {
+    // The dialog hides itself after this class's members are gone, and hiding moves the
+    // focus, which ends editing in the date boxes: no handler of this form may run then.
+    for (QObject* child : findChildren<QObject*>()) disconnect(child, nullptr, this, nullptr);
+}
 
 void frmEmployeeDailyAttendance::buildControls() {
     fraEmployeeAttendance =
@@ -106,6 +127,7 @@ void frmEmployeeDailyAttendance::buildControls() {
     dtpEndDate = named(new QDateEdit(top), "dtpEndDate");
     dtpEndDate->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
     dtpEndDate->setCalendarPopup(true);
+    entry::DateTextValidator::guardPicker(dtpEndDate);
     // The end as text, for the code that reads it so; the date picker shows it to the clerk.
     txtEndDate = named(new QLineEdit(top), "txtEndDate");
     txtEndDate->setReadOnly(true);
@@ -171,7 +193,8 @@ void frmEmployeeDailyAttendance::buildLayout() {
     periodRow->addStretch(1);
     head->addWidget(lblEmpname, 0, 0);
     head->addLayout(employeeRow, 0, 1);
-    head->addWidget(buddyLabel(tr("&From:"), txtStartDate, fraEmployeeAttendance), 1, 0);
+    // "F" belongs to Find employee: every Alt letter of the form is its own.
+    head->addWidget(buddyLabel(tr("Fro&m:"), txtStartDate, fraEmployeeAttendance), 1, 0);
     head->addLayout(periodRow, 1, 1);
     head->setColumnStretch(1, 1);
     const auto widthFor = [](QWidget* w, const QString& sample, int extra) {
@@ -314,6 +337,24 @@ void frmEmployeeDailyAttendance::applyTabOrder() {
 }
 
 bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && isMenuKey(static_cast<QKeyEvent*>(event))) {
+        // The half-day popup of the current day and the Delete popup of the current pair,
+        // from the keyboard, as the right button shows them.
+        const bool onPicker =
+            watched->isWidgetType() && (watched == dtpCheckTime ||
+                                        dtpCheckTime->isAncestorOf(static_cast<QWidget*>(watched)));
+        if (watched == mfgAttendance) {
+            if (const auto at = cellCentre(mfgAttendance, mfgAttendance->Row(), colDate))
+                mfgAttendance_MouseDown(2, 1, at->x(), at->y());
+            return true;
+        }
+        if (watched == mfgCheckinCheckOut || onPicker) {
+            FlexGrid* grid = mfgCheckinCheckOut;
+            if (const auto at = cellCentre(grid, grid->Row(), grid->Col()))
+                mfgCheckinCheckOut_MouseDown(2, 1, at->x(), at->y());
+            return true;
+        }
+    }
     if (pairsEventFilter(watched, event) || dayEventFilter(watched, event)) return true;
     // The wheel over the employee box scrolls past it; it never chooses another employee.
     if (watched == cboEmpname && event->type() == QEvent::Wheel) return true;

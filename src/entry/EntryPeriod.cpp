@@ -63,6 +63,7 @@ void frmEmployeeDailyAttendance::cboEmpname_Click() {
         lstAbsentDays->clear();
     }
     m_employeeIndex = cboEmpname->currentIndex();
+    m_checkedPeriod = fnPeriodKey();  // the proposal was checked as it was shown
     fnTakeBaseline();
 }
 

@@ -288,6 +288,10 @@ private:
     std::optional<QString> m_baseline;
     bool m_shown = false;
     int m_employeeIndex = -1;  // the employee whose days the form holds
+    // The period (start, end, employee) last checked, so that one change is checked and
+    // reported once however many ways the date boxes say they were left.
+    QString fnPeriodKey() const;
+    QString m_checkedPeriod;
 };
 
 }  // namespace qz2
