@@ -471,3 +471,94 @@ TEST_F(KeyboardFixture, TheDateBoxesTakeOneDigitDaysAndMonths) {
     QTest::keyClick(form->txtAttdate, Qt::Key_Tab);
     EXPECT_EQ(form->txtAttdate->text(), QStringLiteral("02/01/2027"));
 }
+
+// ---- How the days look --------------------------------------------------------------------
+
+TEST_F(KeyboardFixture, EachDayShowsItsWeekdayWhileTheCellsStayAsTheyAre) {
+    populate();
+    QAbstractItemModel* model = days()->model();
+    const QStringList week = {"Tue", "Wed", "Thu", "Fri", "Sat", "Sun", "Mon"};
+    for (int r = 1; r <= 31; ++r)
+        EXPECT_EQ(model->headerData(r - 1, Qt::Vertical, Qt::DisplayRole).toString(),
+                  week[(r - 1) % 7])
+            << r;
+    EXPECT_TRUE(days()->verticalHeader()->isVisible());
+    // The cells and the columns are what they were: the weekday is only a row heading.
+    EXPECT_EQ(model->columnCount(), 7);
+    EXPECT_EQ(model->headerData(1, Qt::Horizontal).toString(), QStringLiteral("Date"));
+    EXPECT_EQ(model->index(5, 0).data().toString(), QString());
+    EXPECT_EQ(model->index(5, 1).data().toString(), QStringLiteral("06/12/2026"));
+    EXPECT_EQ(model->index(5, 2).data().toString(), QStringLiteral("P"));
+    // A day whose date changes gets its new weekday.
+    days()->setTextMatrix(1, 1, QStringLiteral("05/12/2026"));
+    EXPECT_EQ(model->headerData(0, Qt::Vertical).toString(), QStringLiteral("Sat"));
+}
+
+TEST_F(KeyboardFixture, HolidaysAndDaysOffAreShadedApartFromWorkingDays) {
+    populate();
+    QAbstractItemModel* model = days()->model();
+    const auto shade = [model](int row, int col) {
+        return model->index(row - 1, col).data(Qt::BackgroundRole).value<QColor>();
+    };
+    const QColor holiday = shade(24, 1);  // Christmas Eve
+    const QColor dayOff = shade(6, 1);    // Sunday the 6th: no scheduled hours
+    ASSERT_EQ(days()->TextMatrix(24, 2), QStringLiteral("H"));
+    ASSERT_EQ(days()->TextMatrix(6, 4), QStringLiteral("00:00"));
+    EXPECT_TRUE(holiday.isValid());
+    EXPECT_TRUE(dayOff.isValid());
+    EXPECT_NE(holiday, dayOff);
+    EXPECT_FALSE(shade(4, 1).isValid());  // Friday, a working day
+    EXPECT_FALSE(shade(5, 1).isValid());  // Saturday: half a day's work
+    for (int c = 0; c <= 4; ++c) {
+        EXPECT_EQ(shade(24, c), holiday) << c;
+        EXPECT_EQ(shade(13, c), dayOff) << c;
+    }
+    // The shade follows the day's type.
+    days()->setTextMatrix(4, 2, QStringLiteral("H"));
+    EXPECT_EQ(shade(4, 1), holiday);
+    days()->setTextMatrix(4, 2, QStringLiteral("P"));
+    EXPECT_FALSE(shade(4, 1).isValid());
+}
+
+TEST_F(KeyboardFixture, TheSelectedDaysWholeRowIsHighlighted) {
+    populate();
+    showDay(4);
+    QItemSelectionModel* selection = days()->selectionModel();
+    EXPECT_TRUE(selection->isRowSelected(3, {}));
+    EXPECT_EQ(selection->selectedIndexes().size(), days()->model()->columnCount());
+    QTest::keyClick(days(), Qt::Key_Down);
+    EXPECT_EQ(days()->Row(), 5);
+    EXPECT_TRUE(selection->isRowSelected(4, {}));
+    EXPECT_FALSE(selection->isRowSelected(3, {}));
+    EXPECT_EQ(pairs()->TextMatrix(1, 0), QStringLiteral("05/12/2026"));  // the day shown
+}
+
+TEST_F(KeyboardFixture, BoxesTheFormFillsLookAndActReadOnlyAndTabPassesThem) {
+    populate();
+    const QList<QLineEdit*> filled = {form->txtAttNo, form->txtTotalDays, form->txtNoPresent,
+                                      form->txtNoLeave, form->txtNoAbsent};
+    const QColor typedBase = form->txtRemarks->palette().color(QPalette::Base);
+    for (QLineEdit* box : filled) {
+        const QString name = box->objectName();
+        EXPECT_TRUE(box->isReadOnly()) << name.toStdString();
+        EXPECT_FALSE(box->focusPolicy() & Qt::TabFocus) << name.toStdString();
+        const QPalette look = box->palette();
+        EXPECT_EQ(look.color(QPalette::Base), look.color(QPalette::Window)) << name.toStdString();
+        EXPECT_NE(look.color(QPalette::Base), typedBase) << name.toStdString();
+        const QString before = box->text();
+        box->setFocus();
+        QTest::keyClicks(box, QStringLiteral("99"));
+        EXPECT_EQ(box->text(), before) << name.toStdString();
+    }
+    // Round the whole form with Tab: never on a box the clerk cannot change.
+    form->cboEmpname->setFocus();
+    QStringList visited;
+    for (int i = 0; i < 20; ++i) {
+        QWidget* now = QApplication::focusWidget();
+        ASSERT_NE(now, nullptr);
+        visited << now->objectName();
+        QTest::keyClick(now, Qt::Key_Tab);
+    }
+    for (QLineEdit* box : filled) EXPECT_FALSE(visited.contains(box->objectName())) << visited.join(' ').toStdString();
+    EXPECT_TRUE(visited.contains(QStringLiteral("txtRemarks")));
+}

@@ -17,6 +17,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QPalette>
 #include <QPushButton>
 #include <QRegularExpressionValidator>
 #include <QSet>
@@ -47,7 +48,14 @@ W* named(W* widget, const char* name) {
 
 QLineEdit* readOnlyBox(QWidget* parent, const char* name, int minChars) {
     auto* box = named(new QLineEdit(parent), name);
+    // The form fills these; the clerk only reads them. They look like the form's
+    // background, not like a box to type in, and Tab passes them by (a click still takes
+    // the focus, to copy the text).
     box->setReadOnly(true);
+    QPalette look = box->palette();
+    look.setColor(QPalette::Base, look.color(QPalette::Window));
+    box->setPalette(look);
+    box->setFocusPolicy(Qt::ClickFocus);
     box->setMinimumWidth(box->fontMetrics().horizontalAdvance(QLatin1Char('0')) * minChars + 16);
     return box;
 }
@@ -310,26 +318,22 @@ void frmEmployeeDailyAttendance::connectEvents() {
     connectPairEvents();
     connectDayEvents();
     connectSaveEvents();
+    connectDayLook();
 }
 
 void frmEmployeeDailyAttendance::applyTabOrder() {
     const QList<QWidget*> order = {cboEmpname,
                                    cmdEmployee,
-                                   txtAttNo,
                                    txtAttdate,
                                    txtStartDate,
                                    dtpEndDate,
-                                   txtTotalDays,
                                    lstAbsentDays,
                                    cmdPopulateRecords,
                                    mfgAttendance,
-                                   // From a day straight to its times; the counts follow.
+                                   // From a day straight to its times.
                                    mfgCheckinCheckOut,
                                    chkAllowanceDeductions,
                                    txtAllowanceDeductions,
-                                   txtNoPresent,
-                                   txtNoLeave,
-                                   txtNoAbsent,
                                    txtRemarks,
                                    cmdOK,
                                    cmdCancel};

@@ -190,6 +190,9 @@ public:
     void txtAllowanceDeductions_Change();
     void fnSetDayAllowanceDeduction(const QString& amount, const QString& kind, QDate date);
     void fnClearEntryForm();
+    // The background of day rows firstRow..lastRow: holidays and days off apart from
+    // working days (EntryDayLook.cpp).
+    void fnShadeDays(int firstRow, int lastRow);
 
     // ---- Saving (EntrySave.cpp) and loading a stored entry (EntryEditLoad.cpp) --------
     void cmdOK_Click();
@@ -261,6 +264,7 @@ private:
     void connectPairEvents();
     void connectDayEvents();
     void connectSaveEvents();
+    void connectDayLook();
     // Key and mouse events of the pairs grid, the time picker and the day grid; true when
     // handled (the form's own filter then stops).
     bool pairsEventFilter(QObject* watched, QEvent* event);
