@@ -374,7 +374,8 @@ QStringList clashes(QWidget* form) {
     QStringList out;
     const QMap<QString, QStringList> letters = altLetters(form);
     for (auto it = letters.begin(); it != letters.end(); ++it)
-        if (it.value().size() > 1) out << it.key() + QStringLiteral(": ") + it.value().join(QLatin1String(", "));
+        if (it.value().size() > 1)
+            out << it.key() + QStringLiteral(": ") + it.value().join(QLatin1String(", "));
     return out;
 }
 
@@ -559,6 +560,7 @@ TEST_F(KeyboardFixture, BoxesTheFormFillsLookAndActReadOnlyAndTabPassesThem) {
         visited << now->objectName();
         QTest::keyClick(now, Qt::Key_Tab);
     }
-    for (QLineEdit* box : filled) EXPECT_FALSE(visited.contains(box->objectName())) << visited.join(' ').toStdString();
+    for (QLineEdit* box : filled)
+        EXPECT_FALSE(visited.contains(box->objectName())) << visited.join(' ').toStdString();
     EXPECT_TRUE(visited.contains(QStringLiteral("txtRemarks")));
 }

@@ -25,7 +25,8 @@ QValidator::State DateTextValidator::validate(QString& input, int&) const {
 }
 
 void DateTextValidator::fixup(QString& input) const {
-    static const QRegularExpression loose(QStringLiteral("^\\s*(\\d{1,2})/(\\d{1,2})/(\\d{4})\\s*$"));
+    static const QRegularExpression loose(
+        QStringLiteral("^\\s*(\\d{1,2})/(\\d{1,2})/(\\d{4})\\s*$"));
     const QRegularExpressionMatch m = loose.match(input);
     if (!m.hasMatch()) return;
     const QString padded = m.captured(1).rightJustified(2, QLatin1Char('0')) + QLatin1Char('/') +

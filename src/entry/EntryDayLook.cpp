@@ -46,8 +46,8 @@ void frmEmployeeDailyAttendance::fnShadeDays(int firstRow, int lastRow) {
     FlexGridModel& days = *mfgAttendance->flexModel();
     lastRow = std::min(lastRow, days.Rows() - 1);
     for (int row = std::max(firstRow, 1); row <= lastRow; ++row) {
-        const QColor colour = rules::dayShadeColour(rules::dayShade(
-            days.TextMatrix(row, colType), days.TextMatrix(row, colSchedule)));
+        const QColor colour = rules::dayShadeColour(
+            rules::dayShade(days.TextMatrix(row, colType), days.TextMatrix(row, colSchedule)));
         // The hidden AllowanceType column is left alone: its changes are the claims'.
         for (int col = colMarker; col <= colHours; ++col)
             if (days.background(row - 1, col) != colour) days.setBackground(row - 1, col, colour);

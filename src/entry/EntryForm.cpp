@@ -345,8 +345,8 @@ bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
         // The half-day popup of the current day and the Delete popup of the current pair,
         // from the keyboard, as the right button shows them.
         const bool onPicker =
-            watched->isWidgetType() && (watched == dtpCheckTime ||
-                                        dtpCheckTime->isAncestorOf(static_cast<QWidget*>(watched)));
+            watched->isWidgetType() &&
+            (watched == dtpCheckTime || dtpCheckTime->isAncestorOf(static_cast<QWidget*>(watched)));
         if (watched == mfgAttendance) {
             if (const auto at = cellCentre(mfgAttendance, mfgAttendance->Row(), colDate))
                 mfgAttendance_MouseDown(2, 1, at->x(), at->y());

@@ -58,9 +58,13 @@ public:
 
     // Headings of the data rows (a view's vertical header), worked out from the grid when
     // asked: a heading is never a cell, so what the cells say stays as it is. None unless set.
-    void setRowHeading(std::function<QString(int dataRow)> heading) { m_rowHeading = std::move(heading); }
+    void setRowHeading(std::function<QString(int dataRow)> heading) {
+        m_rowHeading = std::move(heading);
+    }
     // The headings of data rows first..last changed (the cells they are worked out from did).
-    void rowHeadingsChanged(int first, int last) { emit headerDataChanged(Qt::Vertical, first, last); }
+    void rowHeadingsChanged(int first, int last) {
+        emit headerDataChanged(Qt::Vertical, first, last);
+    }
 
     // The grid's generic sort: numbers compare as numbers, anything else as text without
     // regard to case; rows of equal keys keep their order.
