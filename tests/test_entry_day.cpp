@@ -493,10 +493,15 @@ TEST_F(DayFixture, TheAmountTakesOnlyHoursAndMinutes) {
     EXPECT_EQ(amount()->text(), QStringLiteral("02:15"));
 }
 
-TEST_F(DayFixture, EscapeNeverClosesTheFormAndDropsATimeBeingPicked) {
+TEST_F(DayFixture, EscapeAsksBeforeClosingAndDropsATimeBeingPicked) {
+    // The week laid out is keyed work: Escape is Cancel, which asks first.
+    msgbox_testing::pushAnswer(MsgResult::No);
     QTest::keyClick(form.get(), Qt::Key_Escape);
+    ASSERT_EQ(msgbox_testing::shown().size(), 1);
+    EXPECT_EQ(msgbox_testing::shown().last().buttons, MsgButtons::YesNo);
     EXPECT_TRUE(form->isVisible());
     EXPECT_EQ(form->result(), 0);
+    msgbox_testing::clear();
 
     showDay(1);
     clickPair(2, 3);  // the 17:00 check-out

@@ -360,20 +360,25 @@ TEST_F(RegisterCancel, PastedQuotesAreStoredAsGiven) {
     EXPECT_EQ(db.scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaCancelled = 1")).toInt(), 2);
 }
 
-TEST_F(RegisterCancel, EnterInTheReasonMovesToOk) {
-    QString focusAfterEnter;
-    bool openAfterEnter = false;
+TEST_F(RegisterCancel, EnterInTheReasonPressesOkTheFirstTime) {
+    bool openAfterEnter = true;
+    QString refused;
+    QString focusAfterRefusal;
     cancelFive([&](qz2::frmCancel* dlg) {
         QApplication::setActiveWindow(dlg);  // the clerk is typing into this dialog
         dlg->txtcanreason->setFocus();
+        // Blanks only: refused, and the clerk is back in the reason to type it.
+        QTest::keyClicks(dlg->txtcanreason, QStringLiteral("  "));
+        qz2test::answerNextMessageBox(QMessageBox::Ok, &refused);
+        QTest::keyClick(dlg->txtcanreason, Qt::Key_Return);
+        if (QWidget* w = dlg->focusWidget()) focusAfterRefusal = w->objectName();
         QTest::keyClicks(dlg->txtcanreason, QStringLiteral("Late"));
         QTest::keyClick(dlg->txtcanreason, Qt::Key_Return);
-        if (QWidget* w = dlg->focusWidget()) focusAfterEnter = w->objectName();
         openAfterEnter = dlg->isVisible();
-        QTest::mouseClick(dlg->cmdOK, Qt::LeftButton);
     });
-    EXPECT_TRUE(openAfterEnter);
-    EXPECT_EQ(focusAfterEnter, QStringLiteral("cmdOK"));
+    EXPECT_EQ(refused, QStringLiteral("Enter reason for deletion"));
+    EXPECT_EQ(focusAfterRefusal, QStringLiteral("txtcanreason"));
+    EXPECT_FALSE(openAfterEnter);
     EXPECT_EQ(header(1, 5), (QVariantList{1, QStringLiteral("Mira Shah:Late")}));
 }
 

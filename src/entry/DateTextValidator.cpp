@@ -1,6 +1,8 @@
 #include "entry/DateTextValidator.h"
 
+#include <QDateEdit>
 #include <QEvent>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QRegularExpression>
 
@@ -22,6 +24,17 @@ QValidator::State DateTextValidator::validate(QString& input, int&) const {
     return Intermediate;
 }
 
+void DateTextValidator::fixup(QString& input) const {
+    static const QRegularExpression loose(
+        QStringLiteral("^\\s*(\\d{1,2})/(\\d{1,2})/(\\d{4})\\s*$"));
+    const QRegularExpressionMatch m = loose.match(input);
+    if (!m.hasMatch()) return;
+    const QString padded = m.captured(1).rightJustified(2, QLatin1Char('0')) + QLatin1Char('/') +
+                           m.captured(2).rightJustified(2, QLatin1Char('0')) + QLatin1Char('/') +
+                           m.captured(3);
+    if (parseDmy(padded)) input = padded;
+}
+
 namespace {
 // Remembers the box's last complete date and puts it back when the box is left unfinished.
 class DateBoxGuard : public QObject {
@@ -35,8 +48,11 @@ public:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override {
-        if (watched == m_box && event->type() == QEvent::FocusOut && !m_box->hasAcceptableInput())
-            m_box->setText(m_lastComplete);
+        if (watched == m_box && event->type() == QEvent::FocusOut && !m_box->hasAcceptableInput()) {
+            QString text = m_box->text();
+            if (const QValidator* v = m_box->validator()) v->fixup(text);
+            m_box->setText(parseDmy(text) ? text : m_lastComplete);
+        }
         return QObject::eventFilter(watched, event);
     }
 
@@ -47,7 +63,43 @@ private:
     QLineEdit* m_box;
     QString m_lastComplete;
 };
+// The picker's typing, see DateTextValidator::guardPicker.
+class DatePickerTyping : public QObject {
+public:
+    explicit DatePickerTyping(QDateEdit* picker) : QObject(picker), m_picker(picker) {
+        picker->installEventFilter(this);
+    }
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (watched != m_picker || event->type() != QEvent::KeyPress) return false;
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier)) return false;
+        const QString typed = key->text();
+        const QLineEdit* edit = m_picker->findChild<QLineEdit*>();
+        if (typed.size() != 1 || !edit) return false;
+        const QString selected = edit->selectedText();
+        if (typed[0].isDigit() && !selected.isEmpty() && selected == edit->text()) {
+            m_picker->setSelectedSection(m_picker->sectionAt(0));
+            return false;
+        }
+        // The part before was full and the picker already stands on the next one, which is
+        // still whole and selected: this slash is the one the clerk types between the parts.
+        if (typed == QLatin1String("/") && !selected.isEmpty() &&
+            selected == m_picker->sectionText(m_picker->currentSection()))
+            return true;
+        return false;
+    }
+
+private:
+    QDateEdit* m_picker;
+};
+
 }  // namespace
+
+void DateTextValidator::guardPicker(QDateEdit* picker) {
+    new DatePickerTyping(picker);
+}
 
 void DateTextValidator::guard(QLineEdit* box) {
     box->setValidator(new DateTextValidator(box));

@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QCheckBox>
+#include <QCloseEvent>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QEvent>
@@ -17,7 +18,9 @@
 #include <QItemSelectionModel>
 #include <QListWidget>
 #include <QMenu>
+#include <QPalette>
 #include <QPushButton>
+#include <QSet>
 #include <QSplitter>
 #include <QTimeEdit>
 #include <QVBoxLayout>
@@ -32,6 +35,7 @@
 #include "picker/frmEmployeesAttendanceEntryStatus.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
 
 namespace qz2 {
 
@@ -45,7 +49,14 @@ W* named(W* widget, const char* name) {
 
 QLineEdit* readOnlyBox(QWidget* parent, const char* name, int minChars) {
     auto* box = named(new QLineEdit(parent), name);
+    // The form fills these; the clerk only reads them. They look like the form's
+    // background, not like a box to type in, and Tab passes them by (a click still takes
+    // the focus, to copy the text).
     box->setReadOnly(true);
+    QPalette look = box->palette();
+    look.setColor(QPalette::Base, look.color(QPalette::Window));
+    box->setPalette(look);
+    box->setFocusPolicy(Qt::ClickFocus);
     box->setMinimumWidth(box->fontMetrics().horizontalAdvance(QLatin1Char('0')) * minChars + 16);
     return box;
 }
@@ -56,6 +67,23 @@ QPushButton* button(QWidget* parent, const char* name, const QString& caption) {
     b->setAutoDefault(false);
     b->setDefault(false);
     return b;
+}
+
+// The keyboard's way to a popup: the Menu key, or Shift+F10.
+bool isMenuKey(const QKeyEvent* key) {
+    return key->key() == Qt::Key_Menu ||
+           (key->key() == Qt::Key_F10 && (key->modifiers() & Qt::ShiftModifier));
+}
+
+// Where a cell of a grid is, for a popup asked for from the keyboard: the popups take the
+// point of a right click, and this is the point the clerk is looking at.
+std::optional<QPoint> cellCentre(FlexGrid* grid, int row, int col) {
+    if (row < 1 || row >= grid->Rows()) return std::nullopt;
+    const QModelIndex index = grid->model()->index(row - 1, col);
+    grid->scrollTo(index);
+    const QRect cell = grid->visualRect(index);
+    if (cell.isEmpty()) return std::nullopt;
+    return cell.center();
 }
 
 QLabel* buddyLabel(const QString& caption, QWidget* buddy, QWidget* parent) {
@@ -79,7 +107,11 @@ frmEmployeeDailyAttendance::frmEmployeeDailyAttendance(QWidget* parent) : QDialo
     fnSetUpMirrorGrid();
 }
 
-frmEmployeeDailyAttendance::~frmEmployeeDailyAttendance() = default;
+frmEmployeeDailyAttendance::~frmEmployeeDailyAttendance() {
+    // The dialog hides itself after this class's members are gone, and hiding moves the
+    // focus, which ends editing in the date boxes: no handler of this form may run then.
+    for (QObject* child : findChildren<QObject*>()) disconnect(child, nullptr, this, nullptr);
+}
 
 void frmEmployeeDailyAttendance::buildControls() {
     fraEmployeeAttendance =
@@ -104,6 +136,7 @@ void frmEmployeeDailyAttendance::buildControls() {
     dtpEndDate = named(new QDateEdit(top), "dtpEndDate");
     dtpEndDate->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
     dtpEndDate->setCalendarPopup(true);
+    entry::DateTextValidator::guardPicker(dtpEndDate);
     // The end as text, for the code that reads it so; the date picker shows it to the clerk.
     txtEndDate = named(new QLineEdit(top), "txtEndDate");
     txtEndDate->setReadOnly(true);
@@ -172,7 +205,8 @@ void frmEmployeeDailyAttendance::buildLayout() {
     periodRow->addStretch(1);
     head->addWidget(lblEmpname, 0, 0);
     head->addLayout(employeeRow, 0, 1);
-    head->addWidget(buddyLabel(tr("&From:"), txtStartDate, fraEmployeeAttendance), 1, 0);
+    // "F" belongs to Find employee: every Alt letter of the form is its own.
+    head->addWidget(buddyLabel(tr("Fro&m:"), txtStartDate, fraEmployeeAttendance), 1, 0);
     head->addLayout(periodRow, 1, 1);
     head->setColumnStretch(1, 1);
     const auto widthFor = [](QWidget* w, const QString& sample, int extra) {
@@ -284,30 +318,30 @@ void frmEmployeeDailyAttendance::connectEvents() {
              cboEmpname, chkAllowanceDeductions, txtAttdate, txtAttNo, txtNoAbsent, txtNoLeave,
              txtNoPresent, txtStartDate, txtTotalDays, lstAbsentDays, txtRemarks})
         w->installEventFilter(this);
+    // Enter on a focused button presses it (the buttons are no dialog defaults, so Enter
+    // elsewhere never does).
+    for (QPushButton* b : {cmdEmployee, cmdPopulateRecords, cmdOK, cmdCancel})
+        b->installEventFilter(this);
     connectPopulateEvents();
     connectPairEvents();
     connectDayEvents();
     connectSaveEvents();
+    connectDayLook();
 }
 
 void frmEmployeeDailyAttendance::applyTabOrder() {
     const QList<QWidget*> order = {cboEmpname,
                                    cmdEmployee,
-                                   txtAttNo,
                                    txtAttdate,
                                    txtStartDate,
                                    dtpEndDate,
-                                   txtTotalDays,
                                    lstAbsentDays,
                                    cmdPopulateRecords,
                                    mfgAttendance,
-                                   // From a day straight to its times; the counts follow.
+                                   // From a day straight to its times.
                                    mfgCheckinCheckOut,
                                    chkAllowanceDeductions,
                                    txtAllowanceDeductions,
-                                   txtNoPresent,
-                                   txtNoLeave,
-                                   txtNoAbsent,
                                    txtRemarks,
                                    cmdOK,
                                    cmdCancel};
@@ -315,10 +349,35 @@ void frmEmployeeDailyAttendance::applyTabOrder() {
 }
 
 bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && isMenuKey(static_cast<QKeyEvent*>(event))) {
+        // The half-day popup of the current day and the Delete popup of the current pair,
+        // from the keyboard, as the right button shows them.
+        const bool onPicker =
+            watched->isWidgetType() &&
+            (watched == dtpCheckTime || dtpCheckTime->isAncestorOf(static_cast<QWidget*>(watched)));
+        if (watched == mfgAttendance) {
+            if (const auto at = cellCentre(mfgAttendance, mfgAttendance->Row(), colDate))
+                mfgAttendance_MouseDown(2, 1, at->x(), at->y());
+            return true;
+        }
+        if (watched == mfgCheckinCheckOut || onPicker) {
+            FlexGrid* grid = mfgCheckinCheckOut;
+            if (const auto at = cellCentre(grid, grid->Row(), grid->Col()))
+                mfgCheckinCheckOut_MouseDown(2, 1, at->x(), at->y());
+            return true;
+        }
+    }
     if (pairsEventFilter(watched, event) || dayEventFilter(watched, event)) return true;
+    // The wheel over the employee box scrolls past it; it never chooses another employee.
+    if (watched == cboEmpname && event->type() == QEvent::Wheel) return true;
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+        const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+        if (auto* b = qobject_cast<QPushButton*>(watched); b && enter) {
+            if (b->isEnabled()) b->click();
+            return true;
+        }
+        if (enter) {
             if (watched == txtRemarks)
                 fnEnterToTab(13);
             else
@@ -331,20 +390,22 @@ bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
 
 void frmEmployeeDailyAttendance::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Escape) {
-        // A period's keyed work is thrown away only by Cancel or the window's close button,
-        // never by a stray Escape. Escape over the time picker puts the cell's own time back
-        // in it and closes it, so that nothing new is committed when the cell is left.
-        if (dtpCheckTime->isVisible()) {
-            const int row = mfgCheckinCheckOut->Row();
-            const int col = mfgCheckinCheckOut->Col();
-            const std::optional<TimeValue> time =
-                row > 0 ? parseTime(mfgCheckinCheckOut->TextMatrix(row, col)) : std::nullopt;
-            dtpCheckTime->setTime(time ? time->timeOfDay() : QTime(0, 0));
-            if (dtpCheckTime->hasFocus() || dtpCheckTime->isAncestorOf(QApplication::focusWidget()))
-                mfgCheckinCheckOut->setFocus();
-            dtpCheckTime->setVisible(false);
-        }
+        // Escape over the time picker puts the cell's own time back in it and closes it, so
+        // that nothing new is committed when the cell is left. Anywhere else it is Cancel,
+        // which asks before any keyed work is thrown away.
         event->accept();
+        if (!dtpCheckTime->isVisible()) {
+            cmdCancel_Click();
+            return;
+        }
+        const int row = mfgCheckinCheckOut->Row();
+        const int col = mfgCheckinCheckOut->Col();
+        const std::optional<TimeValue> time =
+            row > 0 ? parseTime(mfgCheckinCheckOut->TextMatrix(row, col)) : std::nullopt;
+        dtpCheckTime->setTime(time ? time->timeOfDay() : QTime(0, 0));
+        if (dtpCheckTime->hasFocus() || dtpCheckTime->isAncestorOf(QApplication::focusWidget()))
+            mfgCheckinCheckOut->setFocus();
+        dtpCheckTime->setVisible(false);
         return;
     }
     QDialog::keyPressEvent(event);
@@ -353,6 +414,20 @@ void frmEmployeeDailyAttendance::keyPressEvent(QKeyEvent* event) {
 void frmEmployeeDailyAttendance::showEvent(QShowEvent* event) {
     if (!m_loaded) Form_Load();
     QDialog::showEvent(event);
+    // What the clerk first sees (a new entry's proposal, a stored entry as loaded) is
+    // nothing of theirs to lose.
+    if (!m_shown) {
+        m_shown = true;
+        fnTakeBaseline();
+    }
+}
+
+void frmEmployeeDailyAttendance::closeEvent(QCloseEvent* event) {
+    if (isVisible() && !fnMayDiscardWork(kMsgDiscardOnClose)) {
+        event->ignore();
+        return;
+    }
+    QDialog::closeEvent(event);
 }
 
 bool frmEmployeeDailyAttendance::isNewMode() const {
@@ -389,11 +464,65 @@ void frmEmployeeDailyAttendance::Form_Load() {
     } catch (const std::exception&) {
         // A failed start-up leaves the form with what was filled, without a message.
     }
+    m_employeeIndex = cboEmpname->currentIndex();
+    fnTakeBaseline();
     cboEmpname->setFocus();
 }
 
 void frmEmployeeDailyAttendance::cmdCancel_Click() {
+    if (!fnMayDiscardWork(kMsgDiscardOnClose)) return;
     reject();
+}
+
+QString frmEmployeeDailyAttendance::fnEntrySnapshot() const {
+    // Everything saving would write, except the employee: choosing another one is asked
+    // about on its own and starts a new baseline.
+    QStringList parts = {txtAttdate->text(), txtStartDate->text(),
+                         dtpEndDate->date().toString(Qt::ISODate), txtRemarks->text()};
+    for (int i = 0; i < lstAbsentDays->count(); ++i)
+        if (isAbsentDayPicked(lstAbsentDays->item(i))) parts << lstAbsentDays->item(i)->text();
+    const auto rowText = [](const FlexGrid* grid, int row, int fromCol) {
+        QStringList cells;
+        for (int c = fromCol; c < grid->Cols(); ++c) cells << grid->TextMatrix(row, c);
+        return cells.join(QLatin1Char('|'));
+    };
+    parts << QStringLiteral("days");
+    for (int r = 1; r < mfgAttendance->Rows(); ++r) parts << rowText(mfgAttendance, r, colDate);
+    parts << QStringLiteral("pairs");
+    QSet<QString> mirrored;
+    for (int r = 1; r < mfgMirrorGrid->Rows(); ++r) {
+        parts << rowText(mfgMirrorGrid, r, colPairDate);
+        mirrored.insert(parts.last());
+    }
+    // The day on show is a view of the pairs above; only a time keyed into it that has not
+    // reached them yet (an unfinished pair) is extra.
+    for (int r = 1; r < mfgCheckinCheckOut->Rows(); ++r) {
+        const QString row = rowText(mfgCheckinCheckOut, r, colPairDate);
+        const bool timed = !mfgCheckinCheckOut->TextMatrix(r, colCheckIn).trimmed().isEmpty() ||
+                           !mfgCheckinCheckOut->TextMatrix(r, colCheckOut).trimmed().isEmpty();
+        if (timed && !mirrored.contains(row)) parts << QStringLiteral("keyed:") + row;
+    }
+    // A time picked but not yet committed.
+    if (!dtpCheckTime->isHidden() && mfgCheckinCheckOut->Row() > 0) {
+        const std::optional<TimeValue> cell = parseTime(
+            mfgCheckinCheckOut->TextMatrix(mfgCheckinCheckOut->Row(), mfgCheckinCheckOut->Col()));
+        const QTime shown = cell ? cell->timeOfDay() : QTime(0, 0);
+        if (dtpCheckTime->time() != shown) parts << QStringLiteral("picking");
+    }
+    return parts.join(QChar(0x1f));
+}
+
+void frmEmployeeDailyAttendance::fnTakeBaseline() {
+    m_baseline = fnEntrySnapshot();
+}
+
+bool frmEmployeeDailyAttendance::fnHasUnsavedWork() const {
+    return m_baseline && fnEntrySnapshot() != *m_baseline;
+}
+
+bool frmEmployeeDailyAttendance::fnMayDiscardWork(const QString& question) {
+    if (m_saved || !fnHasUnsavedWork()) return true;
+    return MsgBox(question, MsgButtons::YesNo, MsgIcon::Question) == MsgResult::Yes;
 }
 
 void frmEmployeeDailyAttendance::cmdEmployee_Click() {

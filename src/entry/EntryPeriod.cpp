@@ -32,6 +32,13 @@ void frmEmployeeDailyAttendance::cboEmpname_Click() {
     if (m_inEmployeeClick) return;
     const QScopedValueRollback guard(m_inEmployeeClick, true);
     if (cboEmpname->count() == 0 || cboEmpname->currentIndex() < 0) return;
+    // Another employee clears the days keyed for this one: the clerk says so first. On No
+    // the box goes back to the employee whose days the form holds.
+    if (isVisible() && m_employeeIndex >= 0 && cboEmpname->currentIndex() != m_employeeIndex &&
+        !fnMayDiscardWork(kMsgDiscardOnEmployee)) {
+        cboEmpname->setCurrentIndex(m_employeeIndex);
+        return;
+    }
     try {
         lngEmployeeID = cboEmpname->currentData().toInt();
         // Another employee may have another department and so other schedules.
@@ -56,6 +63,9 @@ void frmEmployeeDailyAttendance::cboEmpname_Click() {
         txtTotalDays->setText(totalDays);
         lstAbsentDays->clear();
     }
+    m_employeeIndex = cboEmpname->currentIndex();
+    m_checkedPeriod = fnPeriodKey();  // the proposal was checked as it was shown
+    fnTakeBaseline();
 }
 
 bool frmEmployeeDailyAttendance::GetDeptID() {

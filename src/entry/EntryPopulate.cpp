@@ -65,6 +65,10 @@ void frmEmployeeDailyAttendance::connectPopulateEvents() {
 void frmEmployeeDailyAttendance::fnPeriodChanged() {
     // Only the clerk's own change of a new entry's period; the proposal sets both itself.
     if (!isLoaded() || m_inEmployeeClick || !isNewMode()) return;
+    // Enter, then the focus leaving (also to a message box) both finish the same edit.
+    const QString key = fnPeriodKey();
+    if (key == m_checkedPeriod) return;
+    m_checkedPeriod = key;
     try {
         const std::optional<QDate> start = parseDmy(txtStartDate->text().trimmed());
         if (!start) return;
@@ -94,6 +98,12 @@ void frmEmployeeDailyAttendance::fnPeriodChanged() {
     } catch (const std::exception&) {
         // Trapped: the period stays as typed; Populate checks it again.
     }
+}
+
+QString frmEmployeeDailyAttendance::fnPeriodKey() const {
+    return txtStartDate->text().trimmed() + QLatin1Char('|') +
+           dtpEndDate->date().toString(Qt::ISODate) + QLatin1Char('|') +
+           QString::number(cboEmpname->currentIndex());
 }
 
 void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {

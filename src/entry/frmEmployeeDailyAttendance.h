@@ -69,7 +69,21 @@ public:
     // whatever was filled. Runs by itself when the form is first shown.
     void Form_Load();
     bool isLoaded() const { return m_loaded; }
+    // Cancel, Escape and the window's close button: closes without saving, after asking
+    // when the form holds work that is not saved.
     void cmdCancel_Click();
+    // Whether anything was keyed since the form was opened, the stored entry loaded or the
+    // employee chosen: the period, the picks, the days, the pairs, the claims, the remarks,
+    // a time still in the picker.
+    bool fnHasUnsavedWork() const;
+    static inline const QString kMsgDiscardOnClose =
+        QStringLiteral("This entry has changes that are not saved. Close it and lose them?");
+    static inline const QString kMsgDiscardOnEmployee = QStringLiteral(
+        "This entry has changes that are not saved. Choose another employee and lose them?");
+    // The clerk agrees to lose the unsaved work (asked with `question`), or there is none.
+    bool fnMayDiscardWork(const QString& question);
+    // What the form holds now becomes the saved state the next question compares against.
+    void fnTakeBaseline();
     // Shows the employee picker; choosing there selects the employee in cboEmpname.
     void cmdEmployee_Click();
     // Headings and widths of the day grid, left with its heading row only.
@@ -181,6 +195,9 @@ public:
     // caption when ticked, the amount as Hours), written to its day row.
     void fnStoreDayClaim();
     void fnClearEntryForm();
+    // The background of day rows firstRow..lastRow: holidays and days off apart from
+    // working days (EntryDayLook.cpp).
+    void fnShadeDays(int firstRow, int lastRow);
 
     // ---- Saving (EntrySave.cpp) and loading a stored entry (EntryEditLoad.cpp) --------
     void cmdOK_Click();
@@ -247,6 +264,7 @@ protected:
     // Escape abandons a time being picked and never closes the form.
     void keyPressEvent(QKeyEvent* event) override;
     void showEvent(QShowEvent* event) override;
+    void closeEvent(QCloseEvent* event) override;
 
 private:
     // Each concern wires its own widgets' events; connectEvents() calls them all.
@@ -254,6 +272,7 @@ private:
     void connectPairEvents();
     void connectDayEvents();
     void connectSaveEvents();
+    void connectDayLook();
     // Key and mouse events of the pairs grid, the time picker and the day grid; true when
     // handled (the form's own filter then stops).
     bool pairsEventFilter(QObject* watched, QEvent* event);
@@ -282,6 +301,15 @@ private:
     bool m_inEmployeeClick = false;
     bool m_syncingAbsentDays = false;
     QDate m_lastPeriodEnd;  // the last end date that made an acceptable period
+    // The entry as it stood when last opened, loaded or given another employee.
+    QString fnEntrySnapshot() const;
+    std::optional<QString> m_baseline;
+    bool m_shown = false;
+    int m_employeeIndex = -1;  // the employee whose days the form holds
+    // The period (start, end, employee) last checked, so that one change is checked and
+    // reported once however many ways the date boxes say they were left.
+    QString fnPeriodKey() const;
+    QString m_checkedPeriod;
 };
 
 }  // namespace qz2

@@ -69,7 +69,8 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     cboColNames->setObjectName(QStringLiteral("cboColNames"));
     optAscend = new QRadioButton(tr("&Ascending"), fraBrowse);
     optAscend->setObjectName(QStringLiteral("optAscend"));
-    optDescend = new QRadioButton(tr("Descen&ding"), fraBrowse);
+    // "D" belongs to Delete: every Alt letter of the register is its own.
+    optDescend = new QRadioButton(tr("Descendin&g"), fraBrowse);
     optDescend->setObjectName(QStringLiteral("optDescend"));
     optAscend->setChecked(true);
     cboSearch = new QComboBox(fraBrowse);

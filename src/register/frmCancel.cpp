@@ -59,7 +59,11 @@ bool frmCancel::eventFilter(QObject* watched, QEvent* event) {
         // Quotes cannot be typed: the reason goes between quotes in the statement.
         if (key->text() == QLatin1String("\"") || key->text() == QLatin1String("'")) return true;
         if (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+            // On to OK, and OK is pressed: one Enter confirms the reason. A reason refused
+            // there leaves the clerk typing it again.
             cmdOK->setFocus();
+            cmdOK->click();
+            if (!m_done && isVisible()) txtcanreason->setFocus();
             return true;
         }
     }

@@ -39,6 +39,7 @@ QVariant FlexGridModel::data(const QModelIndex& index, int role) const {
 QVariant FlexGridModel::headerData(int section, Qt::Orientation orientation, int role) const {
     if (role != Qt::DisplayRole) return {};
     if (orientation == Qt::Horizontal) return m_headers.value(section);
+    if (m_rowHeading && section >= 0 && section < dataRows()) return m_rowHeading(section);
     return {};
 }
 

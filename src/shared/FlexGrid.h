@@ -10,6 +10,7 @@
 #include <QStringList>
 #include <QTableView>
 #include <QVector>
+#include <functional>
 
 namespace qz2 {
 
@@ -55,6 +56,16 @@ public:
     void AddItem(const QStringList& cells) { appendRow(cells); }
     void RemoveItem(int row) { removeDataRow(row - 1); }
 
+    // Headings of the data rows (a view's vertical header), worked out from the grid when
+    // asked: a heading is never a cell, so what the cells say stays as it is. None unless set.
+    void setRowHeading(std::function<QString(int dataRow)> heading) {
+        m_rowHeading = std::move(heading);
+    }
+    // The headings of data rows first..last changed (the cells they are worked out from did).
+    void rowHeadingsChanged(int first, int last) {
+        emit headerDataChanged(Qt::Vertical, first, last);
+    }
+
     // The grid's generic sort: numbers compare as numbers, anything else as text without
     // regard to case; rows of equal keys keep their order.
     void sortGeneric(int col, bool ascending);
@@ -69,6 +80,7 @@ private:
     };
     int m_cols = 0;
     QStringList m_headers;
+    std::function<QString(int)> m_rowHeading;
     QVector<QVector<Cell>> m_rows;
     Cell* cell(int row, int col);
     const Cell* cell(int row, int col) const;
