@@ -83,6 +83,7 @@ void frmEmployeeDailyAttendance::fnPeriodChanged() {
                       : start->addMonths(1).addDays(-1);
             const QSignalBlocker quiet(dtpEndDate);
             dtpEndDate->setDate(end);
+            m_checkedPeriod = fnPeriodKey();
         }
         m_lastPeriodEnd = end;
         txtEndDate->setText(dateText(end));
