@@ -35,6 +35,7 @@
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
+#include "shared/SharedServices.h"
 
 using namespace qz2;
 using qz2test::PopupWatch;
@@ -136,6 +137,46 @@ TEST_F(KeyboardFixture, EscapeIsCancel) {
     EXPECT_FALSE(form->isVisible());
     EXPECT_EQ(form->result(), QDialog::Rejected);
     EXPECT_EQ(questions(), 0);  // nothing keyed: nothing to ask
+}
+
+TEST_F(KeyboardFixture, LookingThroughAStoredEntryIsNoWorkAndEscapeClosesWithoutAsking) {
+    // A saved entry with a claimed day.
+    populate();
+    showDay(2);
+    form->chkAllowanceDeductions->click();
+    msgbox_testing::setAutoAnswer(true);
+    form->cmdOK_Click();
+    ASSERT_TRUE(form->saved());
+    msgbox_testing::setAutoAnswer(false);
+    const QString id = demo.scalar("select max(eaID) from pEmployeeAttendence").toString();
+    form.reset();
+
+    // Opened again from the register's row: every day looked at, the claimed one too, the
+    // amount box visited.
+    FlexGrid registerRows;
+    registerRows.setCols(5);
+    registerRows.setRows(2);
+    registerRows.setTextMatrix(1, 0, id);
+    registerRows.setCurrentCell(1, 0);
+    setRegisterGrid(&registerRows);
+    gstrEntryMode = QStringLiteral("E");
+    form = std::make_unique<frmEmployeeDailyAttendance>();
+    ASSERT_TRUE(form->fnLoadEntry(id, false));
+    form->show();
+    form->resize(1120, 900);
+    QApplication::setActiveWindow(form.get());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+    msgbox_testing::clear();
+    for (int row = 1; row <= 5; ++row) showDay(row);
+    showDay(2);
+    form->txtAllowanceDeductions->setFocus();
+    form->txtRemarks->setFocus();
+    msgbox_testing::setAutoAnswer(true);  // a question, had one come, is answered Yes
+    QTest::keyClick(form->txtRemarks, Qt::Key_Escape);
+    EXPECT_EQ(questions(), 0);
+    EXPECT_FALSE(form->isVisible());
+    form.reset();
+    setRegisterGrid(nullptr);
 }
 
 TEST_F(KeyboardFixture, EscapeOnKeyedWorkAsksAndNoKeepsTheForm) {

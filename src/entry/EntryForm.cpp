@@ -33,6 +33,7 @@
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "picker/frmEmployeesAttendanceEntryStatus.h"
+#include "rules/Hours.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
@@ -486,8 +487,20 @@ QString frmEmployeeDailyAttendance::fnEntrySnapshot() const {
         for (int c = fromCol; c < grid->Cols(); ++c) cells << grid->TextMatrix(row, c);
         return cells.join(QLatin1Char('|'));
     };
+    // A day as saving writes it: its date and type, and its claim when it has one. The
+    // worked, scheduled and unclaimed hours are worked out from the rest and redrawn when a
+    // day is looked at, which is no work of the clerk's.
     parts << QStringLiteral("days");
-    for (int r = 1; r < mfgAttendance->Rows(); ++r) parts << rowText(mfgAttendance, r, colDate);
+    for (int r = 1; r < mfgAttendance->Rows(); ++r) {
+        const QString kind = mfgAttendance->TextMatrix(r, colAllowanceType).trimmed();
+        QStringList day = {mfgAttendance->TextMatrix(r, colDate),
+                           mfgAttendance->TextMatrix(r, colType).trimmed()};
+        if (kind == QLatin1String("A") || kind == QLatin1String("D"))
+            day << rules::normaliseClaimAmount(mfgAttendance->TextMatrix(r, colHours))
+                       .value_or(mfgAttendance->TextMatrix(r, colHours))
+                << kind;
+        parts << day.join(QLatin1Char('|'));
+    }
     parts << QStringLiteral("pairs");
     QSet<QString> mirrored;
     for (int r = 1; r < mfgMirrorGrid->Rows(); ++r) {
