@@ -18,6 +18,7 @@
 #include "TestSupport.h"
 #include "db/Database.h"
 #include "db/Dialect.h"
+#include "register/FrmMaster.h"
 #include "shared/TimeValue.h"
 
 using qz2::db::Dialect;
@@ -146,6 +147,40 @@ TEST_F(OdbcRoute, ValuesReadBackConvertAsTheyDoNatively) {
     EXPECT_EQ(viaOdbc.field(QStringLiteral("r")).toDouble(), 2.75);
     EXPECT_FALSE(db::isOn(viaOdbc.field(QStringLiteral("b"))));
     EXPECT_FALSE(viaOdbc.isNull(QStringLiteral("s")));
+}
+
+// Columns declared with date, time and bit types come through the ODBC driver as typed
+// values (a date-time, a date, a time, an unsigned number), as SQL Server's columns do: the
+// one conversion place and the register's cell text make of them what they make of the
+// SQLite text.
+TEST_F(OdbcRoute, TypedDateTimeAndBitColumnsConvertAsTheirTextDoes) {
+    {
+        Connection setup(file, false);
+        db::execute(setup.db, QStringLiteral("create table typed(dt DATETIME, d DATE, tm TIME, "
+                                             "b BIT, r FLOAT, n DATETIME)"));
+        db::execute(setup.db,
+                    QStringLiteral("insert into typed values('2026-11-03 00:00:00','2026-11-03',"
+                                   "'08:30:00',1,2.75,NULL)"));
+    }
+    Connection odbc(file, true);
+    db::Recordset rs = db::openRecordset(odbc.db, QStringLiteral("select * from typed"));
+    ASSERT_FALSE(rs.eof());
+    EXPECT_EQ(rs.field(QStringLiteral("dt")).typeId(), QMetaType::QDateTime);
+    EXPECT_EQ(rs.field(QStringLiteral("tm")).typeId(), QMetaType::QTime);
+    const qz2::TimeValue day = qz2::TimeValue::fromDate(QDate(2026, 11, 3));
+    EXPECT_EQ(qz2::timeValueFromDb(rs.field(QStringLiteral("dt")))->days(), day.days());
+    EXPECT_EQ(qz2::timeValueFromDb(rs.field(QStringLiteral("d")))->days(), day.days());
+    EXPECT_EQ(qz2::timeValueFromDb(rs.field(QStringLiteral("tm")))->days(),
+              qz2::timeValueFromDb(QVariant(QStringLiteral("08:30:00")))->days());
+    EXPECT_TRUE(db::isOn(rs.field(QStringLiteral("b"))));
+    EXPECT_EQ(rs.field(QStringLiteral("r")).toDouble(), 2.75);
+    EXPECT_TRUE(rs.isNull(QStringLiteral("n")));
+    EXPECT_FALSE(qz2::timeValueFromDb(rs.field(QStringLiteral("n"))).has_value());
+    EXPECT_EQ(qz2::registerCellText(rs.field(QStringLiteral("dt"))), QStringLiteral("03/11/2026"));
+    EXPECT_EQ(qz2::registerCellText(rs.field(QStringLiteral("d"))), QStringLiteral("03/11/2026"));
+    EXPECT_EQ(qz2::registerCellText(QVariant(QStringLiteral("2026-11-03"))),
+              QStringLiteral("03/11/2026"));
+    EXPECT_EQ(qz2::registerCellText(rs.field(QStringLiteral("n"))), QString());
 }
 
 TEST_F(OdbcRoute, PositionalValuesAndTypedNullsAreBoundAndStoredExactly) {
