@@ -8,6 +8,7 @@
 #include <QStandardPaths>
 #include <exception>
 
+#include "db/Database.h"
 #include "demo/DemoData.h"
 
 namespace qz2::host {
@@ -68,6 +69,11 @@ QString defaultDemoPath() {
     return dir + QStringLiteral("/demo.sqlite");
 }
 
+QStringList odbcSessionStatements(const qz2::db::Dialect& dialect) {
+    if (!dialect.isSqlServer()) return {};
+    return {QStringLiteral("set dateformat mdy")};
+}
+
 std::optional<QSqlDatabase> openAttendanceDatabase(const DatabaseChoice& choice, QDate processDate,
                                                    const QString& connectionName, QString& error,
                                                    bool* created) {
@@ -78,6 +84,15 @@ std::optional<QSqlDatabase> openAttendanceDatabase(const DatabaseChoice& choice,
         if (!db.open()) {
             error =
                 QStringLiteral("cannot open the database: %1").arg(oneLine(db.lastError().text()));
+            return std::nullopt;
+        }
+        try {
+            for (const QString& statement : odbcSessionStatements(qz2::db::Dialect::of(db)))
+                qz2::db::execute(db, statement);
+        } catch (const qz2::db::DbError& e) {
+            db.close();
+            error = QStringLiteral("cannot prepare the database session: %1")
+                        .arg(oneLine(e.message()));
             return std::nullopt;
         }
         return db;

@@ -6,7 +6,10 @@
 #include <QDate>
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 #include <optional>
+
+#include "db/Dialect.h"
 
 namespace qz2::host {
 
@@ -21,6 +24,13 @@ QString sqliteFileProblem(const QString& file);
 
 // The demo database's place in the user's data folder.
 QString defaultDemoPath();
+
+// What the host sends on every ODBC connection it opens, before the module uses it. The
+// module's SQL Server statements write dates as "mm/dd/yyyy" and "yyyy/mm/dd", which SQL
+// Server reads by the session's date format: month-day-year order is set so that they are
+// read as meant whatever the login's language. Nothing for any other DBMS (SQLite through
+// ODBC has no such setting and takes ISO dates).
+QStringList odbcSessionStatements(const qz2::db::Dialect& dialect);
 
 // Opens the chosen database under `connectionName`. The demo database is created (schema
 // and demo rows for `processDate`) when it does not exist yet, and `created` is set. An

@@ -1,11 +1,14 @@
 #include "db/Database.h"
 
+#include <QLibrary>
+#include <QRegularExpression>
 #include <QSqlDriver>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QRegularExpression>
 #include <QSqlRecord>
 #include <atomic>
+
+#include "db/Dialect.h"
 
 namespace qz2::db {
 
@@ -129,7 +132,9 @@ void Command::execute(const QVector<QVariant>& values) {
 
 Transaction::Transaction(const QSqlDatabase& db, bool immediate) : m_db(db) {
     requireOpen(db, QStringLiteral("BEGIN TRANSACTION"));
-    if (immediate && db.driver()->dbmsType() == QSqlDriver::SQLite) {
+    // Through ODBC as natively: the SQLite ODBC driver passes BEGIN IMMEDIATE and COMMIT on
+    // to the database as they stand while the connection is in auto-commit.
+    if (immediate && Dialect::of(db).kind() == Dialect::Kind::SQLite) {
         QSqlQuery q(db);
         if (!q.exec(QStringLiteral("BEGIN IMMEDIATE")))
             throw DbError(errorText(q.lastError()), QStringLiteral("BEGIN IMMEDIATE"));
@@ -170,6 +175,53 @@ void Transaction::rollback() {
     } else {
         m_db.rollback();
     }
+}
+
+namespace {
+
+// SQLGetInfo of the ODBC driver manager that the Qt ODBC plug-in has loaded, found at run
+// time so that the module needs no ODBC headers or library of its own to build.
+using SqlGetInfoFn = short (*)(void* connection, unsigned short infoType, void* value, short bufferLength,
+                               short* stringLength);
+
+SqlGetInfoFn sqlGetInfo() {
+    static const SqlGetInfoFn fn = [] {
+#ifdef Q_OS_WIN
+        QLibrary manager(QStringLiteral("odbc32"));
+#else
+        QLibrary manager(QStringLiteral("odbc"), 2);
+#endif
+        auto found = reinterpret_cast<SqlGetInfoFn>(manager.resolve("SQLGetInfo"));
+#ifndef Q_OS_WIN
+        if (!found) found = reinterpret_cast<SqlGetInfoFn>(QLibrary::resolve(QStringLiteral("odbc"), "SQLGetInfo"));
+#endif
+        return found;
+    }();
+    return fn;
+}
+
+QString odbcDbmsName(const QSqlDatabase& db) {
+    // The Qt ODBC driver hands out its connection handle (an SQLHDBC, a pointer) this way.
+    const QVariant handle = db.driver()->handle();
+    if (handle.typeId() != QMetaType::VoidStar) return {};
+    void* const connection = *static_cast<void* const*>(handle.constData());
+    const SqlGetInfoFn getInfo = sqlGetInfo();
+    if (!connection || !getInfo) return {};
+    constexpr unsigned short kSqlDbmsName = 17;  // SQL_DBMS_NAME
+    char name[256] = {};
+    short length = 0;
+    const short rc = getInfo(connection, kSqlDbmsName, name, static_cast<short>(sizeof name - 1), &length);
+    if (rc != 0 && rc != 1) return {};  // neither SQL_SUCCESS nor SQL_SUCCESS_WITH_INFO
+    return QString::fromUtf8(name).trimmed();
+}
+
+}  // namespace
+
+QString dbmsName(const QSqlDatabase& db) {
+    if (!db.isValid() || !db.isOpen() || !db.driver()) return {};
+    if (db.driver()->dbmsType() == QSqlDriver::SQLite) return QStringLiteral("SQLite");
+    if (db.driverName().startsWith(QLatin1String("QODBC"))) return odbcDbmsName(db);
+    return {};
 }
 
 qint64 statementCount() { return g_statements.load(); }

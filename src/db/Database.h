@@ -116,6 +116,12 @@ void setFaultHook(FaultHook hook);
 // A bit column read back: 0/1 from SQLite, a Boolean through ODBC; NULL counts as off.
 inline bool isOn(const QVariant& v) { return !v.isNull() && v.toBool(); }
 
+// The name of the database product behind the connection, as its driver reports it: for an
+// ODBC connection the driver's SQL_DBMS_NAME ("Microsoft SQL Server", "SQLite", ...), for a
+// native SQLite connection "SQLite". Empty when the connection is not open or the driver
+// does not say.
+QString dbmsName(const QSqlDatabase& db);
+
 // Runs a script of statements separated by ";" at line ends (the schema files).
 void executeScript(const QSqlDatabase& db, const QString& script);
 

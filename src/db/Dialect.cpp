@@ -2,13 +2,22 @@
 
 #include <QSqlDriver>
 
+#include "db/Database.h"
 #include "shared/TimeValue.h"
 
 namespace qz2::db {
 
+bool Dialect::isSqliteName(const QString& dbmsName) {
+    return dbmsName.startsWith(QLatin1String("SQLite"), Qt::CaseInsensitive);
+}
+
 Dialect Dialect::of(const QSqlDatabase& db) {
     if (db.isValid() && db.driver() && db.driver()->dbmsType() == QSqlDriver::SQLite) return sqlite();
     if (db.isValid() && db.driverName().startsWith(QLatin1String("QSQLITE"))) return sqlite();
+    // Qt knows no SQLite behind ODBC (it reports an unknown DBMS there): the driver's own
+    // name of its DBMS decides. Anything else, an unopened connection included, is the
+    // suite's SQL Server.
+    if (isSqliteName(dbmsName(db))) return sqlite();
     return sqlServer();
 }
 
@@ -71,7 +80,7 @@ QString Dialect::attendanceNumberQuery(const QString& headerTable, qint16 compan
 
 Dialect::Call Dialect::workingHoursCall(qint16 company, int dayId) const {
     if (isSqlServer())
-        return {QStringLiteral("{call spreturnWorkingHrs(?,?,?)}"), {QVariant(company), QVariant(QString()), QVariant(dayId)}};
+        return {QStringLiteral("{call spreturnWorkingHrs(?,?,?)}"), {QVariant(company), QVariant(QStringLiteral("")), QVariant(dayId)}};
     return {QStringLiteral("select WorkingHrs from spreturnWorkingHrs where companyid=? and dayid=?"),
             {QVariant(company), QVariant(dayId)}};
 }

@@ -19,7 +19,11 @@ public:
     enum class Kind { SqlServer, SQLite };
 
     constexpr explicit Dialect(Kind kind) : m_kind(kind) {}
-    static Dialect of(const QSqlDatabase& db);  // from the driver's DBMS type
+    // From the connection: SQLite for Qt's SQLite driver and for an ODBC connection whose
+    // driver names its DBMS SQLite; SQL Server otherwise.
+    static Dialect of(const QSqlDatabase& db);
+    // True for a DBMS name (as an ODBC driver reports it) that means SQLite.
+    static bool isSqliteName(const QString& dbmsName);
     static constexpr Dialect sqlServer() { return Dialect(Kind::SqlServer); }
     static constexpr Dialect sqlite() { return Dialect(Kind::SQLite); }
 
@@ -54,7 +58,9 @@ public:
     // The highest numeric suffix of the company's attendance numbers that carry the prefix.
     QString attendanceNumberQuery(const QString& headerTable, qint16 company, const QString& prefix) const;
 
-    // The working-hours procedure: the statement and its positional values.
+    // The working-hours procedure: the statement and its positional values. The second value
+    // is an empty string, never NULL: a null QString is bound as NULL by Qt's drivers, and
+    // the procedure is given ''.
     struct Call {
         QString sql;
         QVector<QVariant> values;

@@ -11,6 +11,7 @@
 #include <QSqlQuery>
 #include <stdexcept>
 
+#include "DbRoute.h"
 #include "db/Database.h"
 #include "db/Dialect.h"
 #include "demo/DemoData.h"
@@ -191,12 +192,7 @@ qint32 freeEmployee(const QSqlDatabase& db, int n) {
 
 QSqlDatabase openSessionFile(const QString& file, const QString& connectionName,
                              int busyTimeoutMs) {
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connectionName);
-    db.setDatabaseName(file);
-    if (busyTimeoutMs >= 0)
-        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=") +
-                             QString::number(busyTimeoutMs));
-    if (!db.open()) throw std::runtime_error(db.lastError().text().toStdString());
+    QSqlDatabase db = openSqliteFile(file, connectionName, busyTimeoutMs);
     qz2::gadocon = db;
     qz2::gintCompanyID = 1;
     qz2::gintUserID = 1;

@@ -4,6 +4,8 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QDir>
+#include <QFile>
 #include <QElapsedTimer>
 #include <QMenu>
 #include <QSqlError>
@@ -12,6 +14,7 @@
 #include <QTimer>
 #include <QUuid>
 
+#include "DbRoute.h"
 #include "demo/DemoData.h"
 #include "shared/BasAttendence.h"
 
@@ -45,15 +48,42 @@ void pointSessionAt(const QSqlDatabase& db, QDate processDate) {
 
 TestDb::TestDb(bool demo, QDate processDate) {
     m_name = QStringLiteral("test-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
-    db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
-    db.setDatabaseName(QStringLiteral(":memory:"));
-    if (!db.open()) ADD_FAILURE() << db.lastError().text().toStdString();
-    qz2::demo::createSchema(db);
-    if (demo) {
-        qz2::demo::generate(db, processDate);
-    } else {
-        for (const QString& name : logicalTableNames())
-            exec(QStringLiteral("insert into linktable(tablename, linktablename) values('%1','%1')").arg(name));
+    const QString driver = odbcRoute();
+    // On the ODBC route the database is a file of its own, built through Qt's SQLite driver
+    // and then opened through the ODBC driver, so that the test works on the same rows.
+    if (!driver.isEmpty()) m_file = QDir::temp().filePath(m_name + QStringLiteral(".sqlite"));
+    {
+        const QString buildName = driver.isEmpty() ? m_name : m_name + QStringLiteral("-build");
+        QSqlDatabase build = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), buildName);
+        build.setDatabaseName(driver.isEmpty() ? QStringLiteral(":memory:") : m_file);
+        if (!build.open()) ADD_FAILURE() << build.lastError().text().toStdString();
+        qz2::demo::createSchema(build);
+        if (demo) {
+            qz2::demo::generate(build, processDate);
+        } else {
+            for (const QString& name : logicalTableNames()) {
+                QSqlQuery q(build);
+                if (!q.exec(QStringLiteral("insert into linktable(tablename, linktablename) "
+                                           "values('%1','%1')")
+                                .arg(name)))
+                    ADD_FAILURE() << q.lastError().text().toStdString();
+            }
+        }
+        if (driver.isEmpty()) {
+            db = build;
+        } else {
+            build.close();
+            build = QSqlDatabase();
+            QSqlDatabase::removeDatabase(buildName);
+        }
+    }
+    if (!driver.isEmpty()) {
+        try {
+            db = openSqliteFileOverOdbc(driver, m_file, m_name, 10000);
+        } catch (const std::exception& e) {
+            ADD_FAILURE() << e.what();
+        }
+        openCheck(m_file);
     }
     pointSessionAt(db, processDate);
     qz2::fnLoadLinkTableNames();
@@ -61,18 +91,46 @@ TestDb::TestDb(bool demo, QDate processDate) {
 
 TestDb::TestDb(const QString& file) {
     m_name = QStringLiteral("test-") + QUuid::createUuid().toString(QUuid::WithoutBraces);
-    db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
-    db.setDatabaseName(file);
-    db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000"));
-    if (!db.open()) ADD_FAILURE() << db.lastError().text().toStdString();
+    try {
+        db = openSqliteFile(file, m_name, 10000);
+    } catch (const std::exception& e) {
+        ADD_FAILURE() << e.what();
+    }
+    if (overOdbc()) openCheck(file);
     pointSessionAt(db, QDate(2026, 11, 21));
 }
+
+void TestDb::openCheck(const QString& file) {
+    m_check = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name + QStringLiteral("-check"));
+    m_check.setDatabaseName(file);
+    m_check.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=10000"));
+    if (!m_check.open()) ADD_FAILURE() << m_check.lastError().text().toStdString();
+}
+
+const QSqlDatabase& TestDb::checkDb() const { return m_check.isValid() ? m_check : db; }
+
+const QSqlDatabase& TestDb::readerFor(const QString& sql) const {
+    // A pragma reads a setting of the connection itself (its lock wait, for one).
+    return sql.trimmed().startsWith(QLatin1String("PRAGMA"), Qt::CaseInsensitive) ? db : checkDb();
+}
+
+bool TestDb::overOdbc() const { return db.driverName() == QLatin1String("QODBC"); }
 
 TestDb::~TestDb() {
     if (qz2::gadocon.connectionName() == m_name) qz2::gadocon = QSqlDatabase();
     db.close();
     db = QSqlDatabase();
     QSqlDatabase::removeDatabase(m_name);
+    if (m_check.isValid()) {
+        const QString checkName = m_check.connectionName();
+        m_check.close();
+        m_check = QSqlDatabase();
+        QSqlDatabase::removeDatabase(checkName);
+    }
+    if (!m_file.isEmpty()) {
+        for (const char* suffix : {"", "-journal", "-wal", "-shm"})
+            QFile::remove(m_file + QLatin1String(suffix));
+    }
 }
 
 void TestDb::exec(const QString& sql) const {
@@ -81,7 +139,7 @@ void TestDb::exec(const QString& sql) const {
 }
 
 QVariant TestDb::scalar(const QString& sql) const {
-    QSqlQuery q(db);
+    QSqlQuery q(readerFor(sql));
     if (!q.exec(sql)) {
         ADD_FAILURE() << "SQL failed: " << sql.toStdString() << "\n" << q.lastError().text().toStdString();
         return {};
@@ -91,7 +149,7 @@ QVariant TestDb::scalar(const QString& sql) const {
 
 QList<QVariantList> TestDb::rows(const QString& sql) const {
     QList<QVariantList> out;
-    QSqlQuery q(db);
+    QSqlQuery q(readerFor(sql));
     if (!q.exec(sql)) {
         ADD_FAILURE() << "SQL failed: " << sql.toStdString() << "\n" << q.lastError().text().toStdString();
         return out;
@@ -106,13 +164,13 @@ QList<QVariantList> TestDb::rows(const QString& sql) const {
 
 QString TestDb::dump() const {
     QString out;
-    QSqlQuery tables(db);
+    QSqlQuery tables(checkDb());
     tables.exec(QStringLiteral("select name from sqlite_master where type='table' order by name"));
     QStringList names;
     while (tables.next()) names << tables.value(0).toString();
     for (const QString& t : names) {
         out += QStringLiteral("== ") + t + QLatin1Char('\n');
-        QSqlQuery q(db);
+        QSqlQuery q(checkDb());
         q.exec(QStringLiteral("select * from ") + t);
         QStringList lines;
         while (q.next()) {
@@ -129,7 +187,7 @@ QString TestDb::dump() const {
 
 QStringList table(const TestDb& t, const QString& sql) {
     QStringList out;
-    QSqlQuery q(t.db);
+    QSqlQuery q(t.checkDb());
     if (!q.exec(sql)) {
         ADD_FAILURE() << sql.toStdString();
         return out;

@@ -33,26 +33,41 @@ public:
     // A new in-memory database with the schema and identity link-table rows. With `demo`
     // the demo generator fills it for `processDate`. The session globals are pointed at it:
     // company 1, user 1, the process date, the title "Attendance Test"; the link table is
-    // read into LinkedTableNames.
+    // read into LinkedTableNames. When QZ2_TEST_ODBC names an ODBC driver (see DbRoute.h)
+    // the database is a temporary file, removed with the object, and `db` reaches it
+    // through that driver.
     explicit TestDb(bool demo = false, QDate processDate = QDate(2026, 11, 21));
-    // An existing SQLite file (for multi-process tests); no schema is applied.
+    // An existing SQLite file (for multi-process tests); no schema is applied. Opened on
+    // the same route as above.
     explicit TestDb(const QString& file);
     ~TestDb();
     TestDb(const TestDb&) = delete;
     TestDb& operator=(const TestDb&) = delete;
 
     QSqlDatabase db;
-    void exec(const QString& sql) const;                 // fails the test on error
+    // The connection the readers below check the data through: `db` itself, or on the ODBC
+    // route a connection of Qt's SQLite driver to the same file, so that what the module
+    // stored over ODBC is read back as stored, not as the ODBC driver hands it over (reals
+    // with 15 significant digits). A pragma is read on `db`: it is the connection's own.
+    const QSqlDatabase& checkDb() const;
+    void exec(const QString& sql) const;                 // on `db`; fails the test on error
     QVariant scalar(const QString& sql) const;           // first field of the first row
     QList<QVariantList> rows(const QString& sql) const;  // every row
     // Every row of every table, sorted, as text: two dumps are equal when the data is.
     QString dump() const;
+    // True when `db` goes through the ODBC driver manager.
+    bool overOdbc() const;
 
 private:
     QString m_name;
+    QString m_file;  // the temporary file of the ODBC route
+    QSqlDatabase m_check;
+    void openCheck(const QString& file);
+    const QSqlDatabase& readerFor(const QString& sql) const;
 };
 
-// Rows of a query as "a|b|c" lines; NULL reads "NULL", reals are written in full.
+// Rows of a query as "a|b|c" lines (read through checkDb()); NULL reads "NULL", reals are
+// written in full.
 QStringList table(const TestDb& t, const QString& sql);
 
 // Runs `action` on the popup menu as soon as one is open, for up to two seconds or until
