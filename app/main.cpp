@@ -15,6 +15,7 @@
 #include <QZ2EmpDailyAtten/clsAttendance.h>
 #include <cstdio>
 
+#include "ReportCommand.h"
 #include "demo/DemoData.h"
 #include "register/FrmMaster.h"
 
@@ -43,6 +44,7 @@ QString defaultDemoPath() {
 }  // namespace
 
 int main(int argc, char** argv) {
+    if (argc > 1 && qstrcmp(argv[1], "report") == 0) return qz2::app::runReportCommand(argc, argv);
     if (!hasDisplay(argc, argv)) {
         std::fprintf(stderr,
                      "qz2-attendance: no display found (DISPLAY is not set).\n"
