@@ -239,6 +239,8 @@ TEST(ReportSql, SqlServerTexts) {
     const sql::Scope s = week(10);
     expectTsql(sql::departmentQuery(1, 10),
                "select DepartmentID, DepartmentName from pDepartment where CompanyID = 1 and DepartmentID = 10");
+    expectTsql(sql::departmentsQuery(1),
+               "select DepartmentID, DepartmentName from pDepartment where CompanyID = 1 order by DepartmentName");
     expectTsql(sql::musterEmployeesQuery(d, s),
                "select E.eEmpID, E.eEmpNo, E.eName, E.eDeptID, D.DepartmentName from pemployee E left join "
                "pDepartment D on D.DepartmentID = E.eDeptID and D.CompanyID = E.eCompanyID where E.eCompanyID = 1 "

@@ -40,6 +40,11 @@ QString departmentQuery(qint16 company, qint32 department) {
            num(department);
 }
 
+QString departmentsQuery(qint16 company) {
+    return QStringLiteral("select DepartmentID, DepartmentName from ") + LinkedTableNames.pDepartment +
+           QStringLiteral(" where CompanyID = ") + num(company) + QStringLiteral(" order by DepartmentName");
+}
+
 QString musterEmployeesQuery(const db::Dialect& d, const Scope& s) {
     return QStringLiteral("select E.eEmpID, E.eEmpNo, E.eName, E.eDeptID, D.DepartmentName from ") +
            LinkedTableNames.pemployee + QStringLiteral(" E left join ") + LinkedTableNames.pDepartment +

@@ -24,6 +24,9 @@ struct Scope {
 // The department's own row (to tell an unknown department from an empty one).
 QString departmentQuery(qint16 company, qint32 department);
 
+// The company's departments by name, for a choice of one.
+QString departmentsQuery(qint16 company);
+
 // The employees a muster lists: the active ones, and any other who has a live entry in the
 // period, with their department's name (NULL without a department).
 QString musterEmployeesQuery(const db::Dialect& d, const Scope& s);
