@@ -20,6 +20,8 @@ namespace {
 
 constexpr double kMarginMm = 10.0;
 
+QString paperHeading(const Column& c) { return c.paperHeading.isEmpty() ? c.heading : c.paperHeading; }
+
 QPageLayout a4(bool landscape) {
     return QPageLayout(QPageSize(QPageSize::A4), landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
                        QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter);
@@ -39,9 +41,10 @@ class Painter {
 public:
     Painter(const ReportTable& t, QPagedPaintDevice& device, int resolution)
         : m_t(t), m_device(device), m_res(resolution) {
-        const bool wide = t.columns.size() > 20;
-        m_body = fontOf(wide ? 6.0 : 8.0);
-        m_bold = fontOf(wide ? 6.0 : 8.0, true);
+        m_wide = t.columns.size() > 20;
+        const bool wide = m_wide;
+        m_body = fontOf(wide ? 5.5 : 8.0);
+        m_bold = fontOf(wide ? 5.5 : 8.0, true);
         m_title = fontOf(13.0, true);
         m_head = fontOf(8.5);
     }
@@ -113,7 +116,7 @@ private:
         const QFontMetricsF title(m_title, &m_device);
         const QFontMetricsF head(m_head, &m_device);
         m_rowH = body.height() * 1.45;
-        m_pad = mm(0.8);
+        m_pad = mm(m_wide ? 0.5 : 0.8);
         const bool twoLineHeads = std::any_of(m_t.columns.cbegin(), m_t.columns.cend(), [](const Column& c) { return c.day; });
         m_headRowH = bold.height() * (twoLineHeads ? 2.4 : 1.5);
         m_top = title.height() * 1.4 + head.height() * 1.3 * m_t.heading.size() + mm(2);
@@ -123,7 +126,7 @@ private:
         QVector<double> need(n, 0.0);
         for (int c = 0; c < n; ++c) {
             const Column& col = m_t.columns[c];
-            for (const QString& part : col.day ? col.heading.split(QLatin1Char(' ')) : QStringList{col.heading})
+            for (const QString& part : col.day ? paperHeading(col).split(QLatin1Char(' ')) : QStringList{paperHeading(col)})
                 need[c] = std::max(need[c], bold.horizontalAdvance(part));
         }
         for (const QVector<Cell>& row : m_t.rows)
@@ -195,7 +198,7 @@ private:
             const double w = m_groupWidths[g][k];
             const QRectF cell(x + m_pad, y, w - 2 * m_pad, m_headRowH);
             const Qt::Alignment h = col.day ? Qt::AlignHCenter : (col.right ? Qt::AlignRight : Qt::AlignLeft);
-            QString text = col.heading;
+            QString text = paperHeading(col);
             if (col.day) text.replace(QLatin1Char(' '), QLatin1Char('\n'));
             p.drawText(cell, static_cast<int>(h | Qt::AlignVCenter), text);
             x += w;
@@ -278,6 +281,7 @@ private:
     QFont m_body, m_bold, m_title, m_head;
     double m_width = 0, m_height = 0, m_rowH = 0, m_pad = 0, m_headRowH = 0, m_top = 0, m_footH = 0, m_y = 0;
     int m_pages = 1;
+    bool m_wide = false;
     QVector<QVector<int>> m_groups;
     QVector<QVector<double>> m_groupWidths;
     QHash<QString, double> m_widthCache;

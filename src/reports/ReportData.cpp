@@ -27,6 +27,24 @@ std::optional<qint32> idOf(const QVariant& v) {
     return v.toInt();
 }
 
+// Dates and times read as text (SQLite) repeat a great deal: a million lines hold a few
+// dozen dates and a few hundred times. Each distinct text is converted once.
+class TimeCache {
+public:
+    std::optional<TimeValue> operator()(const QVariant& v) {
+        if (v.typeId() != QMetaType::QString) return timeValueFromDb(v);
+        const QString text = v.toString();
+        const auto it = m_seen.constFind(text);
+        if (it != m_seen.constEnd()) return *it;
+        const std::optional<TimeValue> value = timeValueFromDb(v);
+        m_seen.insert(text, value);
+        return value;
+    }
+
+private:
+    QHash<QString, std::optional<TimeValue>> m_seen;
+};
+
 // The day-type codes are a handful of short texts: every line shares one copy of each.
 class Interner {
 public:
@@ -61,22 +79,34 @@ EntryHead headOf(const QSqlQuery& q) {
 
 void readDetails(const QSqlDatabase& db, const QString& text, QVector<DetailLine>& out) {
     Interner intern;
+    TimeCache cache;
+    auto date = [&cache](const QVariant& v) -> QDate {
+        const std::optional<TimeValue> t = cache(v);
+        return t ? t->date() : QDate();
+    };
+    auto time = [&cache](const QVariant& v) -> std::optional<TimeValue> {
+        const std::optional<TimeValue> t = cache(v);
+        if (!t) return std::nullopt;
+        return TimeValue::fromTime(t->timeOfDay());
+    };
     db::forEachRow(db, text, [&](const QSqlQuery& q) {
         DetailLine d;
         d.entryId = q.value(0).toInt();
-        d.date = dateOf(q.value(1)).value_or(QDate());
+        d.date = date(q.value(1));
         d.type = intern(q.value(2).toString().trimmed());
-        d.checkIn = timeOf(q.value(3));
-        d.checkOut = timeOf(q.value(4));
+        d.checkIn = time(q.value(3));
+        d.checkOut = time(q.value(4));
         out.push_back(std::move(d));
     });
 }
 
 void readClaims(const QSqlDatabase& db, const QString& text, QVector<ClaimLine>& out) {
+    TimeCache cache;
     db::forEachRow(db, text, [&](const QSqlQuery& q) {
         ClaimLine c;
         c.entryId = q.value(0).toInt();
-        c.date = dateOf(q.value(1)).value_or(QDate());
+        const std::optional<TimeValue> date = cache(q.value(1));
+        c.date = date ? date->date() : QDate();
         c.hours = q.value(2).toDouble();
         c.allowanceId = idOf(q.value(3));
         c.deductionId = idOf(q.value(4));

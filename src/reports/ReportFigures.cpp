@@ -17,18 +17,36 @@ qint64 dayMinutes(TimeValue t) {
     return time.hour() * 60 + time.minute();
 }
 
-// The first scheduled check-in of the day under the setting, midnight without one: the
-// start the grace rule measures from.
-TimeValue graceStart(const WorkTime& workTime, std::optional<qint32> setting, QDate date) {
-    const std::optional<rules::DaySchedule> day = workTime.day(setting, date);
-    if (!day || !(*day)[0].checkIn) return TimeValue();
-    return *(*day)[0].checkIn;
-}
+// Check-out minus the check-in after the grace rule, for line after line. The grace rule
+// depends only on the setting, the weekday and the recorded check-in, which repeat a great
+// deal over a million lines: each combination is worked out once.
+class PairHours {
+public:
+    PairHours(const WorkTime& workTime, int graceMinutes) : m_workTime(workTime), m_grace(graceMinutes) {}
 
-TimeValue pairWorked(const DetailLine& d, const WorkTime& workTime, std::optional<qint32> setting, int grace) {
-    if (!d.checkIn || !d.checkOut) return TimeValue();
-    return *d.checkOut - rules::effectiveCheckIn(*d.checkIn, graceStart(workTime, setting, d.date), grace);
-}
+    TimeValue operator()(const DetailLine& d, std::optional<qint32> setting) {
+        if (!d.checkIn || !d.checkOut) return TimeValue();
+        const qint64 ms = std::llround(d.checkIn->days() * 86400000.0);
+        const qint64 key = ((static_cast<qint64>(setting.value_or(-1)) * 8 + workTimeDayId(d.date)) << 28) ^ ms;
+        auto it = m_checkIns.constFind(key);
+        if (it == m_checkIns.constEnd())
+            it = m_checkIns.insert(key, rules::effectiveCheckIn(*d.checkIn, graceStart(setting, d.date), m_grace));
+        return *d.checkOut - *it;
+    }
+
+private:
+    // The first scheduled check-in of the day under the setting, midnight without one: the
+    // start the grace rule measures from.
+    TimeValue graceStart(std::optional<qint32> setting, QDate date) const {
+        const std::optional<rules::DaySchedule> day = m_workTime.day(setting, date);
+        if (!day || !(*day)[0].checkIn) return TimeValue();
+        return *(*day)[0].checkIn;
+    }
+
+    const WorkTime& m_workTime;
+    int m_grace;
+    QHash<qint64, TimeValue> m_checkIns;
+};
 
 qint64 scheduledMinutesOf(const WorkTime& workTime, std::optional<qint32> setting, QDate date, const QString& code) {
     if (code == QLatin1String("H")) return 0;
@@ -78,53 +96,73 @@ Muster buildMuster(const PeriodSource& src) {
         if (row != rowOfEmployee.constEnd()) m.rows[*row].entryNos << h.no;
     }
 
-    // Every (row, day) slot: which entries have lines on it, their codes, and the worked
-    // hours of the first of them.
+    // The row of each entry's employee (-1 when not listed).
+    QVector<int> rowOfEntry(src.entries.size(), -1);
+    for (int i = 0; i < src.entries.size(); ++i)
+        rowOfEntry[i] = rowOfEmployee.value(src.entries[i].employee.id, -1);
+
+    // Every (row, day) slot: the first entry that has lines on it, its code and worked hours.
+    // Lines come in no particular order; further entries on the same slot (conflicts, rare)
+    // are kept aside with their codes.
     struct Slot {
-        QVector<int> entries;
-        QStringList codes;
+        int entry = -1;
+        QString code;
         TimeValue worked;
     };
     QVector<Slot> daySlots(static_cast<qsizetype>(m.rows.size()) * days);
+    QHash<qsizetype, QVector<std::pair<int, QString>>> others;
+    PairHours pairWorked(src.workTime, src.graceMinutes);
     for (const DetailLine& d : src.details) {
-        const auto e = entryIndex.constFind(d.entryId);
-        if (e == entryIndex.constEnd()) continue;
-        const EntryHead& h = src.entries[*e];
-        const auto row = rowOfEmployee.constFind(h.employee.id);
+        const int e = entryIndex.value(d.entryId, -1);
+        if (e < 0) continue;
+        const int row = rowOfEntry[e];
         const qint64 day = m.from.daysTo(d.date);
-        if (row == rowOfEmployee.constEnd() || day < 0 || day >= days) continue;
-        Slot& s = daySlots[static_cast<qsizetype>(*row) * days + day];
-        if (!s.entries.contains(*e)) {
-            s.entries << *e;
-            s.codes << d.type;
+        if (row < 0 || day < 0 || day >= days) continue;
+        const qsizetype at = static_cast<qsizetype>(row) * days + day;
+        Slot& s = daySlots[at];
+        if (s.entry < 0) {
+            s.entry = e;
+            s.code = d.type;
         }
-        if (s.entries.size() == 1) s.worked = s.worked + pairWorked(d, src.workTime, h.workTimeId, src.graceMinutes);
+        if (s.entry == e) {
+            s.worked = s.worked + pairWorked(d, src.entries[e].workTimeId);
+            continue;
+        }
+        QVector<std::pair<int, QString>>& more = others[at];
+        if (std::none_of(more.cbegin(), more.cend(), [e](const auto& o) { return o.first == e; }))
+            more.push_back({e, d.type});
     }
 
     for (int r = 0; r < m.rows.size(); ++r) {
         MusterRow& row = m.rows[r];
         row.cells.reserve(days);
         for (int day = 0; day < days; ++day) {
-            const Slot& s = daySlots[static_cast<qsizetype>(r) * days + day];
-            if (s.entries.isEmpty()) {
+            const qsizetype at = static_cast<qsizetype>(r) * days + day;
+            const Slot& s = daySlots[at];
+            if (s.entry < 0) {
                 row.cells << QString();
                 continue;
             }
-            if (s.entries.size() > 1) {
-                row.cells << conflictText(s.codes);
+            if (const auto more = others.constFind(at); more != others.constEnd()) {
+                // The codes in the entries' order, whatever order the lines came in.
+                QVector<std::pair<int, QString>> all = *more;
+                all.push_back({s.entry, s.code});
+                std::sort(all.begin(), all.end(), [](const auto& x, const auto& y) { return x.first < y.first; });
+                QStringList codes;
+                for (const auto& o : all) codes << o.second;
+                row.cells << conflictText(codes);
                 ++row.conflicts;
                 continue;
             }
-            const QString& code = s.codes.first();
-            row.cells << code;
-            const rules::DayTypeWeights w = rules::dayTypeWeights(code);
+            row.cells << s.code;
+            const rules::DayTypeWeights w = rules::dayTypeWeights(s.code);
             row.present += w.present + w.holiday;
             row.leave += w.leave;
             row.absent += w.absent;
             row.holidays += w.holiday;
             row.workedMinutes += dayMinutes(s.worked);
             row.scheduledMinutes +=
-                scheduledMinutesOf(src.workTime, src.entries[s.entries.first()].workTimeId, m.from.addDays(day), code);
+                scheduledMinutesOf(src.workTime, src.entries[s.entry].workTimeId, m.from.addDays(day), s.code);
         }
     }
     for (const ClaimLine& c : src.claims) {
@@ -154,14 +192,17 @@ Payroll buildPayroll(const PeriodSource& src) {
         l.to = std::min(h.end, p.to);
         p.lines.push_back(std::move(l));
     }
-    // A day counts once per entry, by the code of its first line.
-    QHash<qint32, QDate> lastDay;
+    // A day counts once per entry, by the code of the first of its lines read (every line
+    // of a day carries the same code). A period has at most 62 days: one bit each.
+    QVector<quint64> daysSeen(p.lines.size(), 0);
     for (const DetailLine& d : src.details) {
         const auto line = lineOfEntry.constFind(d.entryId);
         if (line == lineOfEntry.constEnd()) continue;
-        auto seen = lastDay.find(d.entryId);
-        if (seen != lastDay.end() && *seen == d.date) continue;
-        lastDay.insert(d.entryId, d.date);
+        const qint64 day = p.from.daysTo(d.date);
+        if (day < 0 || day >= 64) continue;
+        const quint64 bit = quint64(1) << day;
+        if (daysSeen[*line] & bit) continue;
+        daysSeen[*line] |= bit;
         const rules::DayTypeWeights w = rules::dayTypeWeights(d.type);
         PayrollLine& l = p.lines[*line];
         l.present += w.present + w.holiday;
@@ -179,6 +220,11 @@ Payroll buildPayroll(const PeriodSource& src) {
             l.lateHours += c.hours;
             addUnique(l.deductionIds, c.deductionId);
         }
+    }
+    auto byNumber = [](const QString& a, const QString& b) { return a.toLongLong() < b.toLongLong(); };
+    for (PayrollLine& l : p.lines) {
+        std::sort(l.allowanceIds.begin(), l.allowanceIds.end(), byNumber);
+        std::sort(l.deductionIds.begin(), l.deductionIds.end(), byNumber);
     }
     return p;
 }
@@ -207,6 +253,7 @@ Sheet buildSheet(const SheetSource& src) {
         return s.days.last();
     };
     QHash<QDate, TimeValue> worked;
+    PairHours pairWorked(src.workTime, src.graceMinutes);
     for (const DetailLine& d : src.details) {
         SheetDay& day = dayOf(d.date);
         if (day.type.isEmpty()) day.type = d.type;
@@ -215,7 +262,7 @@ Sheet buildSheet(const SheetSource& src) {
             const QString out = d.checkOut ? d.checkOut->format(u"HH:mm") : QString();
             day.pairs << in + QLatin1Char('-') + out;
         }
-        worked[d.date] = worked.value(d.date) + pairWorked(d, src.workTime, h.workTimeId, src.graceMinutes);
+        worked[d.date] = worked.value(d.date) + pairWorked(d, h.workTimeId);
     }
     for (const ClaimLine& c : src.claims) {
         SheetDay& day = dayOf(c.date);

@@ -76,7 +76,7 @@ QString liveDetailsQuery(const db::Dialect& d, const Scope& s) {
            liveFromWhere(d, s, LinkedTableNames.pEmpAttendanceDetail + QStringLiteral(" AD, ")) +
            QStringLiteral(" and AD.eadCompanyID = EA.eaCompanyID and AD.eadAttendanceID = EA.eaID") +
            QStringLiteral(" and AD.eadDate >= ") + dateLit(d, s.from) + QStringLiteral(" and AD.eadDate <= ") +
-           dateLit(d, s.to) + QStringLiteral(" order by AD.eadAttendanceID, AD.eadDate, AD.eadDetailID");
+           dateLit(d, s.to);
 }
 
 QString liveClaimsQuery(const db::Dialect& d, const Scope& s) {
@@ -85,7 +85,7 @@ QString liveClaimsQuery(const db::Dialect& d, const Scope& s) {
            liveFromWhere(d, s, LinkedTableNames.pEmpAttendanceAllowanceDeductions + QStringLiteral(" AC, ")) +
            QStringLiteral(" and AC.eaadCompanyID = EA.eaCompanyID and AC.eaadAttendanceID = EA.eaID") +
            QStringLiteral(" and AC.eaadDate >= ") + dateLit(d, s.from) + QStringLiteral(" and AC.eaadDate <= ") +
-           dateLit(d, s.to) + QStringLiteral(" order by AC.eaadAttendanceID, AC.eaadDate, AC.eaadDetailID");
+           dateLit(d, s.to);
 }
 
 QString workTimeQuery(qint16 company) {

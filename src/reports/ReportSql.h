@@ -35,7 +35,8 @@ QString musterEmployeesQuery(const db::Dialect& d, const Scope& s);
 // department, in the order of the employees' numbers.
 QString liveHeadersQuery(const db::Dialect& d, const Scope& s);
 
-// The detail lines of live entries dated inside the period.
+// The detail lines of live entries dated inside the period, in no particular order (a
+// million lines need no sort: the figures do not depend on their order).
 QString liveDetailsQuery(const db::Dialect& d, const Scope& s);
 
 // The claim lines of live entries dated inside the period.

@@ -11,8 +11,8 @@ QString periodText(QDate from, QDate to) {
     return QStringLiteral("Period: %1 to %2").arg(dateText(from), dateText(to));
 }
 
-Column text(const QString& heading) { return Column{heading, false, false}; }
-Column figure(const QString& heading) { return Column{heading, true, false}; }
+Column text(const QString& heading, const QString& paper = {}) { return Column{heading, false, false, paper}; }
+Column figure(const QString& heading, const QString& paper = {}) { return Column{heading, true, false, paper}; }
 
 }  // namespace
 
@@ -38,12 +38,14 @@ ReportTable musterTable(const Muster& m, const QString& companyTitle) {
     t.columns << text(QStringLiteral("Emp No")) << text(QStringLiteral("Name")) << text(QStringLiteral("Department"));
     t.frozenColumns = 2;
     for (QDate d = m.from; d <= m.to; d = d.addDays(1))
-        t.columns << Column{QStringLiteral("%1 %2").arg(d.day()).arg(shortDayName(d)), false, true};
-    t.columns << figure(QStringLiteral("Present")) << figure(QStringLiteral("Leave")) << figure(QStringLiteral("Absent"))
-              << figure(QStringLiteral("Holidays")) << figure(QStringLiteral("Worked"))
-              << figure(QStringLiteral("Scheduled")) << figure(QStringLiteral("Overtime"))
-              << figure(QStringLiteral("Late")) << figure(QStringLiteral("Conflicts"))
-              << text(QStringLiteral("Entries"));
+        t.columns << Column{QStringLiteral("%1 %2").arg(d.day()).arg(shortDayName(d)), false, true,
+                            QStringLiteral("%1 %2").arg(d.day()).arg(shortDayName(d).left(2))};
+    // On paper the totals take short headings, so that a month and its totals share a page.
+    t.columns << figure(QStringLiteral("Present"), QStringLiteral("Pres.")) << figure(QStringLiteral("Leave"))
+              << figure(QStringLiteral("Absent"), QStringLiteral("Abs.")) << figure(QStringLiteral("Holidays"), QStringLiteral("Hol."))
+              << figure(QStringLiteral("Worked")) << figure(QStringLiteral("Scheduled"), QStringLiteral("Sched."))
+              << figure(QStringLiteral("Overtime"), QStringLiteral("OT")) << figure(QStringLiteral("Late"))
+              << figure(QStringLiteral("Conflicts"), QStringLiteral("Confl.")) << text(QStringLiteral("Entries"));
     t.rows.reserve(m.rows.size());
     for (const MusterRow& r : m.rows) {
         QVector<Cell> row;
@@ -62,7 +64,9 @@ ReportTable musterTable(const Muster& m, const QString& companyTitle) {
             << QStringLiteral(
                    "! two live entries cover the day: their codes are shown, and the day counts in neither the days "
                    "nor the hours.")
-            << QStringLiteral("Present includes holidays. Overtime and Late are the hours claimed.");
+            << QStringLiteral(
+                   "Present (Pres.) includes holidays (Hol.); Abs. absent; Sched. scheduled; overtime (OT) and Late "
+                   "are the hours claimed; Confl. conflict days.");
     return t;
 }
 

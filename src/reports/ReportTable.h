@@ -33,6 +33,7 @@ struct Column {
     QString heading;  // a day column's heading is "26 Mon": paper shows it on two lines
     bool right = false;  // numbers and hours align right on paper
     bool day = false;
+    QString paperHeading;  // a shorter heading where paper is tight; empty: the heading
 };
 
 struct ReportTable {
