@@ -4,6 +4,8 @@
 
 #include "ReportCommand.h"
 
+#include <unistd.h>
+
 #include <QCommandLineParser>
 #include <QDir>
 #include <QFileInfo>
@@ -12,7 +14,6 @@
 #include <QSqlError>
 #include <QStandardPaths>
 #include <cstdio>
-#include <unistd.h>
 
 #include "db/Database.h"
 #include "demo/DemoData.h"
@@ -52,28 +53,38 @@ int runReportCommand(int argc, char** argv) {
     QGuiApplication::setOrganizationName(QStringLiteral("qz2"));
 
     QCommandLineParser parser;
-    parser.setApplicationDescription(QStringLiteral(
-        "Writes a report: the monthly muster, an entry's sheet or the payroll summary, as PDF, XLSX or CSV."));
+    parser.setApplicationDescription(
+        QStringLiteral("Writes a report: the monthly muster, an entry's sheet or the payroll "
+                       "summary, as PDF, XLSX or CSV."));
     parser.addHelpOption();
     parser.addPositionalArgument(QStringLiteral("report"), QStringLiteral("The word \"report\"."));
-    parser.addPositionalArgument(QStringLiteral("kind"), QStringLiteral("muster, sheet or payroll."));
-    const QCommandLineOption from(QStringLiteral("from"), QStringLiteral("First day, yyyy-mm-dd."), QStringLiteral("DATE"));
-    const QCommandLineOption to(QStringLiteral("to"), QStringLiteral("Last day, yyyy-mm-dd (at most 62 days)."),
+    parser.addPositionalArgument(QStringLiteral("kind"),
+                                 QStringLiteral("muster, sheet or payroll."));
+    const QCommandLineOption from(QStringLiteral("from"), QStringLiteral("First day, yyyy-mm-dd."),
+                                  QStringLiteral("DATE"));
+    const QCommandLineOption to(QStringLiteral("to"),
+                                QStringLiteral("Last day, yyyy-mm-dd (at most 62 days)."),
                                 QStringLiteral("DATE"));
-    const QCommandLineOption department(QStringLiteral("department"), QStringLiteral("Only this department."),
+    const QCommandLineOption department(QStringLiteral("department"),
+                                        QStringLiteral("Only this department."),
                                         QStringLiteral("ID"));
-    const QCommandLineOption entry(QStringLiteral("entry"), QStringLiteral("The sheet's entry number."),
-                                   QStringLiteral("NO"));
+    const QCommandLineOption entry(
+        QStringLiteral("entry"), QStringLiteral("The sheet's entry number."), QStringLiteral("NO"));
     const QCommandLineOption format(QStringLiteral("format"), QStringLiteral("pdf, xlsx or csv."),
                                     QStringLiteral("FORMAT"));
-    const QCommandLineOption out(QStringLiteral("out"), QStringLiteral("The file to write."), QStringLiteral("FILE"));
-    const QCommandLineOption database(QStringLiteral("database"), QStringLiteral("SQLite database file to read."),
+    const QCommandLineOption out(QStringLiteral("out"), QStringLiteral("The file to write."),
+                                 QStringLiteral("FILE"));
+    const QCommandLineOption database(QStringLiteral("database"),
+                                      QStringLiteral("SQLite database file to read."),
                                       QStringLiteral("FILE"));
-    const QCommandLineOption odbc(QStringLiteral("odbc"), QStringLiteral("ODBC connection string of a SQL Server database."),
-                                  QStringLiteral("CONNECTION STRING"));
-    const QCommandLineOption company(QStringLiteral("company"), QStringLiteral("Company identifier (default 1)."),
+    const QCommandLineOption odbc(
+        QStringLiteral("odbc"), QStringLiteral("ODBC connection string of a SQL Server database."),
+        QStringLiteral("CONNECTION STRING"));
+    const QCommandLineOption company(QStringLiteral("company"),
+                                     QStringLiteral("Company identifier (default 1)."),
                                      QStringLiteral("ID"), QStringLiteral("1"));
-    const QCommandLineOption title(QStringLiteral("title"), QStringLiteral("The company's title on the report."),
+    const QCommandLineOption title(QStringLiteral("title"),
+                                   QStringLiteral("The company's title on the report."),
                                    QStringLiteral("TEXT"), QStringLiteral("Daily Attendance"));
     parser.addOptions({from, to, department, entry, format, out, database, odbc, company, title});
     if (!parser.parse(app.arguments())) return fail(kExitUsage, parser.errorText());
@@ -83,12 +94,16 @@ int runReportCommand(int argc, char** argv) {
     }
 
     const QStringList words = parser.positionalArguments();
-    if (words.size() != 2) return fail(kExitUsage, QStringLiteral("say which report: muster, sheet or payroll."));
+    if (words.size() != 2)
+        return fail(kExitUsage, QStringLiteral("say which report: muster, sheet or payroll."));
     const std::optional<reports::Kind> kind = reports::kindFromName(words[1]);
-    if (!kind) return fail(kExitUsage, QStringLiteral("unknown report '%1': muster, sheet or payroll.").arg(words[1]));
+    if (!kind)
+        return fail(kExitUsage,
+                    QStringLiteral("unknown report '%1': muster, sheet or payroll.").arg(words[1]));
     const std::optional<reports::Format> fmt = reports::formatFromName(parser.value(format));
     if (!fmt) return fail(kExitUsage, QStringLiteral("--format takes pdf, xlsx or csv."));
-    if (parser.value(out).isEmpty()) return fail(kExitUsage, QStringLiteral("--out FILE is needed."));
+    if (parser.value(out).isEmpty())
+        return fail(kExitUsage, QStringLiteral("--out FILE is needed."));
 
     reports::Request request;
     request.kind = *kind;
@@ -96,15 +111,18 @@ int runReportCommand(int argc, char** argv) {
     bool ok = false;
     const int companyId = parser.value(company).toInt(&ok);
     if (!ok || companyId < -32768 || companyId > 32767)
-        return fail(kExitUsage, QStringLiteral("--company takes a whole number from -32768 to 32767."));
+        return fail(kExitUsage,
+                    QStringLiteral("--company takes a whole number from -32768 to 32767."));
     request.company = static_cast<qint16>(companyId);
     if (*kind == reports::Kind::Sheet) {
-        if (parser.value(entry).trimmed().isEmpty()) return fail(kExitUsage, QStringLiteral("--entry NO is needed."));
+        if (parser.value(entry).trimmed().isEmpty())
+            return fail(kExitUsage, QStringLiteral("--entry NO is needed."));
         request.entryNo = parser.value(entry);
     } else {
         const std::optional<QDate> f = isoDate(parser.value(from));
         const std::optional<QDate> t = isoDate(parser.value(to));
-        if (!f || !t) return fail(kExitUsage, QStringLiteral("--from and --to take dates as yyyy-mm-dd."));
+        if (!f || !t)
+            return fail(kExitUsage, QStringLiteral("--from and --to take dates as yyyy-mm-dd."));
         request.from = *f;
         request.to = *t;
         if (parser.isSet(department)) {
@@ -129,25 +147,30 @@ int runReportCommand(int argc, char** argv) {
             file = dir + QStringLiteral("/demo.sqlite");
             createDemo = !QFileInfo::exists(file);
         } else if (!QFileInfo::exists(file)) {
-            return fail(kExitDatabase, QStringLiteral("the database file '%1' does not exist.").arg(file));
+            return fail(kExitDatabase,
+                        QStringLiteral("the database file '%1' does not exist.").arg(file));
         }
         db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("report"));
         db.setDatabaseName(file);
         db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
         if (createDemo) {
-            if (!db.open()) return fail(kExitDatabase, QStringLiteral("cannot create the demo database: ") + db.lastError().text());
+            if (!db.open())
+                return fail(kExitDatabase, QStringLiteral("cannot create the demo database: ") +
+                                               db.lastError().text());
             try {
                 demo::createSchema(db);
                 demo::generate(db, QDate::currentDate());
             } catch (const std::exception& e) {
                 db.close();
                 QFile::remove(file);
-                return fail(kExitDatabase, QStringLiteral("cannot create the demo database: ") + QString::fromUtf8(e.what()));
+                return fail(kExitDatabase, QStringLiteral("cannot create the demo database: ") +
+                                               QString::fromUtf8(e.what()));
             }
         }
     }
     if (!db.isOpen() && !db.open())
-        return fail(kExitDatabase, QStringLiteral("cannot open the database: ") + db.lastError().text());
+        return fail(kExitDatabase,
+                    QStringLiteral("cannot open the database: ") + db.lastError().text());
 
     const bool showProgress = isatty(fileno(stderr)) != 0;
     const reports::Progress progress = [showProgress](int done, int total) {

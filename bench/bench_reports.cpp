@@ -29,7 +29,8 @@ long statusKb(const char* key) {
     QFile f(QStringLiteral("/proc/self/status"));
     if (!f.open(QIODevice::ReadOnly)) return -1;
     for (const QByteArray& line : f.readAll().split('\n'))
-        if (line.startsWith(key)) return line.mid(static_cast<int>(qstrlen(key))).trimmed().split(' ').first().toLong();
+        if (line.startsWith(key))
+            return line.mid(static_cast<int>(qstrlen(key))).trimmed().split(' ').first().toLong();
     return -1;
 }
 
@@ -60,8 +61,10 @@ int main(int argc, char** argv) {
     scale.allowanceRows = 100000;
     scale.payrollRows = 0;
     qz2::demo::generateBenchmark(db, processDate, scale);
-    std::printf("generated 5000 employees, 5000 entries, 1000000 detail lines, 100000 claim lines in %.1f s\n",
-                t.elapsed() / 1000.0);
+    std::printf(
+        "generated 5000 employees, 5000 entries, 1000000 detail lines, 100000 claim lines in %.1f "
+        "s\n",
+        t.elapsed() / 1000.0);
     db.close();
     db.open();
     qz2::gadocon = db;
@@ -83,21 +86,23 @@ int main(int argc, char** argv) {
         scope.to = period.to;
         t.restart();
         qint64 rows = 0;
-        qz2::db::forEachRow(db, qz2::reports::sql::liveDetailsQuery(qz2::db::Dialect::of(db), scope),
+        qz2::db::forEachRow(db,
+                            qz2::reports::sql::liveDetailsQuery(qz2::db::Dialect::of(db), scope),
                             [&rows](const QSqlQuery&) { ++rows; });
-        std::printf("detail statement alone: %lld rows in %.0f ms\n", rows, static_cast<double>(t.nsecsElapsed()) / 1e6);
+        std::printf("detail statement alone: %lld rows in %.0f ms\n", rows,
+                    static_cast<double>(t.nsecsElapsed()) / 1e6);
         // The muster's stages one by one.
         t.restart();
-        const qz2::reports::PeriodSource src =
-            qz2::reports::readPeriod(db, qz2::db::Dialect::of(db), scope, qz2::reports::PeriodReport::Muster);
+        const qz2::reports::PeriodSource src = qz2::reports::readPeriod(
+            db, qz2::db::Dialect::of(db), scope, qz2::reports::PeriodReport::Muster);
         const double readMs = static_cast<double>(t.nsecsElapsed()) / 1e6;
         t.restart();
         const qz2::reports::Muster m = qz2::reports::buildMuster(src);
         const double figuresMs = static_cast<double>(t.nsecsElapsed()) / 1e6;
         t.restart();
         const qz2::reports::ReportTable table = qz2::reports::musterTable(m, period.companyTitle);
-        std::printf("muster stages: read %.0f ms, figures %.0f ms, table %.0f ms\n", readMs, figuresMs,
-                    static_cast<double>(t.nsecsElapsed()) / 1e6);
+        std::printf("muster stages: read %.0f ms, figures %.0f ms, table %.0f ms\n", readMs,
+                    figuresMs, static_cast<double>(t.nsecsElapsed()) / 1e6);
     }
 
     struct Case {
@@ -117,8 +122,8 @@ int main(int argc, char** argv) {
         {"sheet   xlsx", qz2::reports::Kind::Sheet, qz2::reports::Format::Xlsx, "sheet.xlsx"},
         {"sheet   csv ", qz2::reports::Kind::Sheet, qz2::reports::Format::Csv, "sheet.csv"},
     };
-    std::printf("%-13s %10s %10s %10s %8s %11s %9s\n", "report", "read ms", "write ms", "total ms", "stmts", "rows/pages",
-                "peak MB");
+    std::printf("%-13s %10s %10s %10s %8s %11s %9s\n", "report", "read ms", "write ms", "total ms",
+                "stmts", "rows/pages", "peak MB");
     for (const Case& c : cases) {
         qz2::reports::Request r = period;
         r.kind = c.kind;
@@ -135,9 +140,11 @@ int main(int argc, char** argv) {
             return true;
         });
         const double totalMs = static_cast<double>(t.nsecsElapsed()) / 1e6;
-        const int units = c.format == qz2::reports::Format::Pdf ? pages : static_cast<int>(table.rows.size());
-        std::printf("%-13s %10.0f %10.0f %10.0f %8lld %11d %9ld   (%lld kB)\n", c.name, readMs, totalMs - readMs, totalMs,
-                    qz2::db::statementCount() - before, units, statusKb("VmHWM:") / 1024,
+        const int units =
+            c.format == qz2::reports::Format::Pdf ? pages : static_cast<int>(table.rows.size());
+        std::printf("%-13s %10.0f %10.0f %10.0f %8lld %11d %9ld   (%lld kB)\n", c.name, readMs,
+                    totalMs - readMs, totalMs, qz2::db::statementCount() - before, units,
+                    statusKb("VmHWM:") / 1024,
                     static_cast<long long>(QFileInfo(out).size() / 1024));
     }
     return 0;

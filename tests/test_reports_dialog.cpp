@@ -34,7 +34,8 @@ namespace {
 
 // Runs `action` on the modal window named `name` once it is the active one (a window of
 // another name that is active first, the dialog under a preview say, is left alone).
-void whenModalNamed(const QString& name, std::function<void(QWidget*)> action, int timeoutMs = 10000) {
+void whenModalNamed(const QString& name, std::function<void(QWidget*)> action,
+                    int timeoutMs = 10000) {
     auto* timer = new QTimer(qApp);
     auto clock = std::make_shared<QElapsedTimer>();
     clock->start();
@@ -79,7 +80,9 @@ protected:
         ASSERT_TRUE(QTest::qWaitForWindowExposed(form.get()));
     }
     void TearDown() override { qz2::msgbox_testing::setAutoAnswer(false); }
-    QPushButton* reportsButton() const { return form->findChild<QPushButton*>(QStringLiteral("cmdReports")); }
+    QPushButton* reportsButton() const {
+        return form->findChild<QPushButton*>(QStringLiteral("cmdReports"));
+    }
     void selectEntry(const QString& no) {
         for (int r = 1; r < form->flexMaster->Rows(); ++r)
             if (form->flexMaster->TextMatrix(r, 1) == no) {
@@ -145,7 +148,8 @@ TEST_F(ReportsDialog, MusterOfADepartmentSavedAsCsv) {
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     const QByteArray text = f.readAll();
     EXPECT_TRUE(text.startsWith("Emp No,Name,Department,26 Mon,"));
-    EXPECT_TRUE(text.contains("\r\nE05,Eli Marsh,Stores,,,,,A,,,0,0,1,0,00:00,08:00,00:00,00:00,0,ATT6\r\n"));
+    EXPECT_TRUE(text.contains(
+        "\r\nE05,Eli Marsh,Stores,,,,,A,,,0,0,1,0,00:00,08:00,00:00,00:00,0,ATT6\r\n"));
     EXPECT_EQ(text.count("\r\n"), 3);  // heading, Asha, Eli
 }
 
@@ -163,7 +167,8 @@ TEST_F(ReportsDialog, SheetOfTheSelectedEntryInThePreview) {
             for (int i = 0; i < 100 && widget && widget->pageCount() == 0; ++i) QTest::qWait(20);
             pages = widget ? widget->pageCount() : -2;
             const QByteArray shots = qgetenv("QZ2_SCREENSHOT_DIR");
-            if (!shots.isEmpty()) p->grab().save(QString::fromLocal8Bit(shots) + "/report-preview.png");
+            if (!shots.isEmpty())
+                p->grab().save(QString::fromLocal8Bit(shots) + "/report-preview.png");
             static_cast<QDialog*>(p)->reject();
             d->cmdClose->click();
         });
@@ -190,14 +195,16 @@ TEST_F(ReportsDialog, RefusedPeriodIsExplainedAndNothingIsWritten) {
     });
     reportsButton()->click();
     ASSERT_EQ(qz2::msgbox_testing::shown().size(), 1);
-    EXPECT_EQ(qz2::msgbox_testing::shown()[0].text, "A report covers at most 62 days; this period has 63.");
+    EXPECT_EQ(qz2::msgbox_testing::shown()[0].text,
+              "A report covers at most 62 days; this period has 63.");
     EXPECT_EQ(qz2::msgbox_testing::shown()[0].title, qz2::gstrMsgboxTitle);
     EXPECT_FALSE(QFile::exists(file));
 }
 
 TEST_F(ReportsDialog, Screenshot) {
     const QByteArray shots = qgetenv("QZ2_SCREENSHOT_DIR");
-    if (shots.isEmpty()) GTEST_SKIP() << "set QZ2_SCREENSHOT_DIR to draw the register and the dialog";
+    if (shots.isEmpty())
+        GTEST_SKIP() << "set QZ2_SCREENSHOT_DIR to draw the register and the dialog";
     form->grab().save(QString::fromLocal8Bit(shots) + "/register-reports.png");
     qz2::frmReports dialog(QStringLiteral("ATT2"));
     dialog.show();

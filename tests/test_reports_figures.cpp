@@ -42,7 +42,8 @@ protected:
 }  // namespace
 
 TEST_F(ReportFigures, MusterRowsCellsAndTotalsOfTheWeek) {
-    const Muster m = buildMuster(readPeriod(t.db, db::Dialect::sqlite(), week(), PeriodReport::Muster));
+    const Muster m =
+        buildMuster(readPeriod(t.db, db::Dialect::sqlite(), week(), PeriodReport::Muster));
     ASSERT_EQ(m.rows.size(), 4);  // Dara is inactive without entries
     // Asha: P (09:05 within grace -> 09:00: 4:00 + 4:30), A, HA (4:00), L, P (08:50 early:
     // 4:10 + 3:45), H, H with times (2:00). The cancelled ATT3 and 25 Feb and 5 Mar stay out.
@@ -90,7 +91,8 @@ TEST_F(ReportFigures, MusterRowsCellsAndTotalsOfTheWeek) {
 }
 
 TEST_F(ReportFigures, MusterOfOneDepartment) {
-    const Muster m = buildMuster(readPeriod(t.db, db::Dialect::sqlite(), week(10), PeriodReport::Muster));
+    const Muster m =
+        buildMuster(readPeriod(t.db, db::Dialect::sqlite(), week(10), PeriodReport::Muster));
     ASSERT_EQ(m.rows.size(), 2);
     EXPECT_EQ(m.rows[0].employee.no, "E01");
     EXPECT_EQ(m.rows[1].employee.no, "E05");
@@ -98,7 +100,8 @@ TEST_F(ReportFigures, MusterOfOneDepartment) {
 }
 
 TEST_F(ReportFigures, PayrollLinesPerEmployeeAndEntry) {
-    const Payroll p = buildPayroll(readPeriod(t.db, db::Dialect::sqlite(), week(), PeriodReport::Payroll));
+    const Payroll p =
+        buildPayroll(readPeriod(t.db, db::Dialect::sqlite(), week(), PeriodReport::Payroll));
     ASSERT_EQ(p.lines.size(), 5);
     struct Want {
         const char* emp;
@@ -108,7 +111,17 @@ TEST_F(ReportFigures, PayrollLinesPerEmployeeAndEntry) {
         QStringList allow, ded;
     };
     const Want want[] = {
-        {"E01", "ATT1", QDate(2024, 2, 26), QDate(2024, 2, 29), 1.5, 1, 1.5, 0.5, 0.25, {"7"}, {"8"}},
+        {"E01",
+         "ATT1",
+         QDate(2024, 2, 26),
+         QDate(2024, 2, 29),
+         1.5,
+         1,
+         1.5,
+         0.5,
+         0.25,
+         {"7"},
+         {"8"}},
         {"E01", "ATT2", QDate(2024, 3, 1), QDate(2024, 3, 3), 3, 0, 0, 0, 0.25, {}, {"8"}},
         {"E02", "ATT4", QDate(2024, 2, 26), QDate(2024, 3, 3), 3.5, 1, 0.5, 0, 0, {}, {}},
         {"E02", "ATT5", QDate(2024, 2, 29), QDate(2024, 3, 1), 1, 0, 1, 0, 0, {}, {}},
@@ -205,7 +218,8 @@ TEST(ReportHours, HoursTextDoesNotWrap) {
 }
 
 TEST(ReportPeriod, RefusedPeriods) {
-    EXPECT_EQ(periodProblem(QDate(2024, 3, 1), QDate(2024, 2, 29)), "The period ends before it starts.");
+    EXPECT_EQ(periodProblem(QDate(2024, 3, 1), QDate(2024, 2, 29)),
+              "The period ends before it starts.");
     EXPECT_EQ(periodProblem(QDate(2024, 1, 1), QDate(2024, 3, 3)),
               "A report covers at most 62 days; this period has 63.");
     EXPECT_EQ(periodProblem(QDate(2024, 1, 1), QDate(2024, 3, 2)), "");  // 62 days
@@ -238,19 +252,24 @@ TEST_F(ReportFigures, RefusedRequests) {
 TEST_F(ReportFigures, AFixedNumberOfStatements) {
     // More employees and entries than the week must not mean more statements.
     for (int i = 0; i < 50; ++i) {
-        t.exec(QStringLiteral("insert into pEmployee(eEmpID, eCompanyID, eEmpNo, eName, eActive, eDeptID) "
-                              "values(%1, 1, 'X%1', 'Extra', 1, 10)")
+        t.exec(QStringLiteral(
+                   "insert into pEmployee(eEmpID, eCompanyID, eEmpNo, eName, eActive, eDeptID) "
+                   "values(%1, 1, 'X%1', 'Extra', 1, 10)")
                    .arg(100 + i));
-        t.exec(QStringLiteral("insert into pEmployeeAttendence(eaCompanyID, eaID, eaNo, eaEmpID, eaStartDate, "
-                              "eaEndDate, eacwtsid) values(1, %1, 'X%1', %1, '2024-02-26', '2024-03-03', 1)")
+        t.exec(QStringLiteral(
+                   "insert into pEmployeeAttendence(eaCompanyID, eaID, eaNo, eaEmpID, eaStartDate, "
+                   "eaEndDate, eacwtsid) values(1, %1, 'X%1', %1, '2024-02-26', '2024-03-03', 1)")
                    .arg(100 + i));
-        t.exec(QStringLiteral("insert into pEmpAttendanceDetail(eadCompanyID, eadAttendanceID, eadDetailID, eadDate, "
+        t.exec(QStringLiteral("insert into pEmpAttendanceDetail(eadCompanyID, eadAttendanceID, "
+                              "eadDetailID, eadDate, "
                               "eadType) values(1, %1, 1, '2024-02-27', 'A')")
                    .arg(100 + i));
     }
     qint64 before = db::statementCount();
-    const Muster m = buildMuster(readPeriod(t.db, db::Dialect::sqlite(), week(10), PeriodReport::Muster));
-    EXPECT_EQ(db::statementCount() - before, 7);  // department, employees, headers, lines, claims, settings, grace
+    const Muster m =
+        buildMuster(readPeriod(t.db, db::Dialect::sqlite(), week(10), PeriodReport::Muster));
+    EXPECT_EQ(db::statementCount() - before,
+              7);  // department, employees, headers, lines, claims, settings, grace
     EXPECT_EQ(m.rows.size(), 52);
     before = db::statementCount();
     buildPayroll(readPeriod(t.db, db::Dialect::sqlite(), week(), PeriodReport::Payroll));
@@ -265,65 +284,100 @@ TEST(ReportSql, SqlServerTexts) {
     const db::Dialect d = db::Dialect::sqlServer();
     const sql::Scope s = week(10);
     expectTsql(sql::departmentQuery(1, 10),
-               "select DepartmentID, DepartmentName from pDepartment where CompanyID = 1 and DepartmentID = 10");
+               "select DepartmentID, DepartmentName from pDepartment where CompanyID = 1 and "
+               "DepartmentID = 10");
     expectTsql(sql::departmentsQuery(1),
-               "select DepartmentID, DepartmentName from pDepartment where CompanyID = 1 order by DepartmentName");
+               "select DepartmentID, DepartmentName from pDepartment where CompanyID = 1 order by "
+               "DepartmentName");
     expectTsql(sql::musterEmployeesQuery(d, s),
-               "select E.eEmpID, E.eEmpNo, E.eName, E.eDeptID, D.DepartmentName from pemployee E left join "
-               "pDepartment D on D.DepartmentID = E.eDeptID and D.CompanyID = E.eCompanyID where E.eCompanyID = 1 "
-               "and E.eDeptID = 10 and (E.eActive = 1 or exists (select EA.eaID from pEmployeeAttendence EA where "
-               "EA.eaCompanyID = E.eCompanyID and EA.eaEmpID = E.eEmpID and EA.eaCancelled = 0 and EA.eaStartDate <= "
+               "select E.eEmpID, E.eEmpNo, E.eName, E.eDeptID, D.DepartmentName from pemployee E "
+               "left join "
+               "pDepartment D on D.DepartmentID = E.eDeptID and D.CompanyID = E.eCompanyID where "
+               "E.eCompanyID = 1 "
+               "and E.eDeptID = 10 and (E.eActive = 1 or exists (select EA.eaID from "
+               "pEmployeeAttendence EA where "
+               "EA.eaCompanyID = E.eCompanyID and EA.eaEmpID = E.eEmpID and EA.eaCancelled = 0 and "
+               "EA.eaStartDate <= "
                "'20240303' and EA.eaEndDate >= '20240226')) order by E.eEmpNo, E.eEmpID");
     expectTsql(sql::liveHeadersQuery(d, s),
-               "select EA.eaID, EA.eaNo, EA.eaDate, EA.eaEmpID, EA.eaStartDate, EA.eaEndDate, EA.eacwtsid, E.eEmpNo, "
-               "E.eName, E.eDeptID, D.DepartmentName from pEmployeeAttendence EA inner join pemployee E on "
-               "EA.eaCompanyID = E.eCompanyID and EA.eaEmpID = E.eEmpID left join pDepartment D on D.DepartmentID = "
-               "E.eDeptID and D.CompanyID = E.eCompanyID where EA.eaCompanyID = 1 and EA.eaCancelled = 0 and "
-               "E.eDeptID = 10 and EA.eaStartDate <= '20240303' and EA.eaEndDate >= '20240226' order by E.eEmpNo, "
+               "select EA.eaID, EA.eaNo, EA.eaDate, EA.eaEmpID, EA.eaStartDate, EA.eaEndDate, "
+               "EA.eacwtsid, E.eEmpNo, "
+               "E.eName, E.eDeptID, D.DepartmentName from pEmployeeAttendence EA inner join "
+               "pemployee E on "
+               "EA.eaCompanyID = E.eCompanyID and EA.eaEmpID = E.eEmpID left join pDepartment D on "
+               "D.DepartmentID = "
+               "E.eDeptID and D.CompanyID = E.eCompanyID where EA.eaCompanyID = 1 and "
+               "EA.eaCancelled = 0 and "
+               "E.eDeptID = 10 and EA.eaStartDate <= '20240303' and EA.eaEndDate >= '20240226' "
+               "order by E.eEmpNo, "
                "E.eEmpID, EA.eaStartDate, EA.eaID");
-    expectTsql(sql::liveDetailsQuery(d, s),
-               "select AD.eadAttendanceID, AD.eadDate, AD.eadType, AD.eadCheckIN, AD.eadCheckOut from "
-               "pEmpAttendanceDetail AD, pEmployeeAttendence EA, pemployee E where EA.eaCompanyID = E.eCompanyID and "
-               "EA.eaEmpID = E.eEmpID and EA.eaCompanyID = 1 and EA.eaCancelled = 0 and E.eDeptID = 10 and "
-               "EA.eaStartDate <= '20240303' and EA.eaEndDate >= '20240226' and AD.eadCompanyID = EA.eaCompanyID and "
-               "AD.eadAttendanceID = EA.eaID and AD.eadDate >= '20240226' and AD.eadDate <= '20240303'");
-    expectTsql(sql::liveClaimsQuery(d, week()),
-               "select AC.eaadAttendanceID, AC.eaadDate, AC.eaadHours, AC.eaadAllowanceID, AC.eaadDeductionID from "
-               "pEmpAttendanceAllowanceDeductions AC, pEmployeeAttendence EA, pemployee E where EA.eaCompanyID = "
-               "E.eCompanyID and EA.eaEmpID = E.eEmpID and EA.eaCompanyID = 1 and EA.eaCancelled = 0 and "
-               "EA.eaStartDate <= '20240303' and EA.eaEndDate >= '20240226' and AC.eaadCompanyID = EA.eaCompanyID and "
-               "AC.eaadAttendanceID = EA.eaID and AC.eaadDate >= '20240226' and AC.eaadDate <= '20240303'");
+    expectTsql(
+        sql::liveDetailsQuery(d, s),
+        "select AD.eadAttendanceID, AD.eadDate, AD.eadType, AD.eadCheckIN, AD.eadCheckOut from "
+        "pEmpAttendanceDetail AD, pEmployeeAttendence EA, pemployee E where EA.eaCompanyID = "
+        "E.eCompanyID and "
+        "EA.eaEmpID = E.eEmpID and EA.eaCompanyID = 1 and EA.eaCancelled = 0 and E.eDeptID = 10 "
+        "and "
+        "EA.eaStartDate <= '20240303' and EA.eaEndDate >= '20240226' and AD.eadCompanyID = "
+        "EA.eaCompanyID and "
+        "AD.eadAttendanceID = EA.eaID and AD.eadDate >= '20240226' and AD.eadDate <= '20240303'");
+    expectTsql(
+        sql::liveClaimsQuery(d, week()),
+        "select AC.eaadAttendanceID, AC.eaadDate, AC.eaadHours, AC.eaadAllowanceID, "
+        "AC.eaadDeductionID from "
+        "pEmpAttendanceAllowanceDeductions AC, pEmployeeAttendence EA, pemployee E where "
+        "EA.eaCompanyID = "
+        "E.eCompanyID and EA.eaEmpID = E.eEmpID and EA.eaCompanyID = 1 and EA.eaCancelled = 0 and "
+        "EA.eaStartDate <= '20240303' and EA.eaEndDate >= '20240226' and AC.eaadCompanyID = "
+        "EA.eaCompanyID and "
+        "AC.eaadAttendanceID = EA.eaID and AC.eaadDate >= '20240226' and AC.eaadDate <= "
+        "'20240303'");
     expectTsql(sql::workTimeQuery(1),
-               "select a.cwtsid, a.cwtsDayID, a.cwtsCheckIn1, a.cwtsCheckOut1, a.cwtsCheckIn2, a.cwtsCheckOut2, "
-               "a.cwtsCheckIn3, a.cwtsCheckOut3, a.cwtsCheckIn4, a.cwtsCheckOut4 from pCalendarWorkTimeSettings a "
+               "select a.cwtsid, a.cwtsDayID, a.cwtsCheckIn1, a.cwtsCheckOut1, a.cwtsCheckIn2, "
+               "a.cwtsCheckOut2, "
+               "a.cwtsCheckIn3, a.cwtsCheckOut3, a.cwtsCheckIn4, a.cwtsCheckOut4 from "
+               "pCalendarWorkTimeSettings a "
                "where a.cwtsCompanyID = 1");
     expectTsql(sql::graceTimeQuery(1), "select gracetime from pSettings where companyid = 1");
-    expectTsql(sql::entryHeaderQuery(1, "O'Neil 7"),
-               "select EA.eaID, EA.eaNo, EA.eaDate, EA.eaEmpID, EA.eaStartDate, EA.eaEndDate, EA.eacwtsid, E.eEmpNo, "
-               "E.eName, E.eDeptID, D.DepartmentName, EA.eaPresent, EA.eaLeaves, EA.eaAbsent, EA.eaCancelled, "
-               "EA.eaRemarks, EA.eaCancelledRemarks from pEmployeeAttendence EA inner join pemployee E on "
-               "EA.eaCompanyID = E.eCompanyID and EA.eaEmpID = E.eEmpID left join pDepartment D on D.DepartmentID = "
-               "E.eDeptID and D.CompanyID = E.eCompanyID where EA.eaCompanyID = 1 and EA.eaNo = 'O''Neil 7' order by "
-               "EA.eaID");
-    expectTsql(sql::entryDetailsQuery(1, 5),
-               "select AD.eadAttendanceID, AD.eadDate, AD.eadType, AD.eadCheckIN, AD.eadCheckOut from "
-               "pEmpAttendanceDetail AD where AD.eadCompanyID = 1 and AD.eadAttendanceID = 5 order by AD.eadDate, "
-               "AD.eadDetailID");
+    expectTsql(
+        sql::entryHeaderQuery(1, "O'Neil 7"),
+        "select EA.eaID, EA.eaNo, EA.eaDate, EA.eaEmpID, EA.eaStartDate, EA.eaEndDate, "
+        "EA.eacwtsid, E.eEmpNo, "
+        "E.eName, E.eDeptID, D.DepartmentName, EA.eaPresent, EA.eaLeaves, EA.eaAbsent, "
+        "EA.eaCancelled, "
+        "EA.eaRemarks, EA.eaCancelledRemarks from pEmployeeAttendence EA inner join pemployee E on "
+        "EA.eaCompanyID = E.eCompanyID and EA.eaEmpID = E.eEmpID left join pDepartment D on "
+        "D.DepartmentID = "
+        "E.eDeptID and D.CompanyID = E.eCompanyID where EA.eaCompanyID = 1 and EA.eaNo = 'O''Neil "
+        "7' order by "
+        "EA.eaID");
+    expectTsql(
+        sql::entryDetailsQuery(1, 5),
+        "select AD.eadAttendanceID, AD.eadDate, AD.eadType, AD.eadCheckIN, AD.eadCheckOut from "
+        "pEmpAttendanceDetail AD where AD.eadCompanyID = 1 and AD.eadAttendanceID = 5 order by "
+        "AD.eadDate, "
+        "AD.eadDetailID");
     expectTsql(sql::entryClaimsQuery(1, 5),
-               "select AC.eaadAttendanceID, AC.eaadDate, AC.eaadHours, AC.eaadAllowanceID, AC.eaadDeductionID from "
-               "pEmpAttendanceAllowanceDeductions AC where AC.eaadCompanyID = 1 and AC.eaadAttendanceID = 5 order by "
+               "select AC.eaadAttendanceID, AC.eaadDate, AC.eaadHours, AC.eaadAllowanceID, "
+               "AC.eaadDeductionID from "
+               "pEmpAttendanceAllowanceDeductions AC where AC.eaadCompanyID = 1 and "
+               "AC.eaadAttendanceID = 5 order by "
                "AC.eaadDate, AC.eaadDetailID");
 }
 
 TEST(ReportSql, SqliteTextsTakeIsoDates) {
     TestDb t;
     const QString text = sql::liveDetailsQuery(db::Dialect::sqlite(), week());
-    EXPECT_TRUE(text.contains("AD.eadDate >= '2024-02-26' and AD.eadDate <= '2024-03-03'")) << text.toStdString();
+    EXPECT_TRUE(text.contains("AD.eadDate >= '2024-02-26' and AD.eadDate <= '2024-03-03'"))
+        << text.toStdString();
 }
 
 TEST(ReportSql, LinkedNamesAreUsed) {
     TestDb t;
-    t.exec("update linktable set linktablename = 'xAttHeader' where tablename = 'pEmployeeAttendence'");
+    t.exec(
+        "update linktable set linktablename = 'xAttHeader' where tablename = "
+        "'pEmployeeAttendence'");
     qz2::fnLoadLinkTableNames();
-    EXPECT_TRUE(sql::liveHeadersQuery(db::Dialect::sqlite(), week()).contains(" from xAttHeader EA "));
+    EXPECT_TRUE(
+        sql::liveHeadersQuery(db::Dialect::sqlite(), week()).contains(" from xAttHeader EA "));
 }

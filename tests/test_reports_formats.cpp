@@ -39,11 +39,13 @@ QString readBack(const QString& program, const QStringList& args) {
     p.start(program, args);
     if (!p.waitForStarted(10000)) {
         ADD_FAILURE() << program.toStdString()
-                      << " is not installed: the report tests read files back with it (run scripts/install-deps)";
+                      << " is not installed: the report tests read files back with it (run "
+                         "scripts/install-deps)";
         return {};
     }
     p.waitForFinished(60000);
-    EXPECT_EQ(p.exitCode(), 0) << program.toStdString() << ": " << p.readAllStandardError().toStdString();
+    EXPECT_EQ(p.exitCode(), 0) << program.toStdString() << ": "
+                               << p.readAllStandardError().toStdString();
     return QString::fromUtf8(p.readAllStandardOutput());
 }
 
@@ -58,10 +60,13 @@ int pdfPages(const QString& file) {
 // left out: what matters is the words and their order on each line, not the spacing.
 QString pdfText(const QString& file, int page = 0) {
     QStringList args{QStringLiteral("-layout")};
-    if (page > 0) args << QStringLiteral("-f") << QString::number(page) << QStringLiteral("-l") << QString::number(page);
+    if (page > 0)
+        args << QStringLiteral("-f") << QString::number(page) << QStringLiteral("-l")
+             << QString::number(page);
     args << file << QStringLiteral("-");
     QStringList lines;
-    for (const QString& line : readBack(QStringLiteral("pdftotext"), args).split(QLatin1Char('\n'))) {
+    for (const QString& line :
+         readBack(QStringLiteral("pdftotext"), args).split(QLatin1Char('\n'))) {
         const QString l = line.simplified();
         if (!l.isEmpty()) lines << l;
     }
@@ -72,7 +77,8 @@ class ReportFormats : public ::testing::Test {
 protected:
     void SetUp() override { qz2test::fillReportMonth(t.db); }
     ReportTable muster(QDate from = qz2test::kMonthFrom, QDate to = qz2test::kMonthTo) {
-        return musterTable(buildMuster(readPeriod(t.db, db::Dialect::sqlite(), scopeOf(from, to), PeriodReport::Muster)),
+        return musterTable(buildMuster(readPeriod(t.db, db::Dialect::sqlite(), scopeOf(from, to),
+                                                  PeriodReport::Muster)),
                            QStringLiteral("Demo Works"));
     }
     ReportTable payroll() {
@@ -95,13 +101,16 @@ TEST_F(ReportFormats, MusterCsvToTheByte) {
     writeCsv(muster(), path("muster.csv"));
     QFile f(path("muster.csv"));
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
-    EXPECT_EQ(f.readAll().toStdString(),
-              "Emp No,Name,Department,26 Mon,27 Tue,28 Wed,29 Thu,1 Fri,2 Sat,3 Sun,Present,Leave,Absent,Holidays,"
-              "Worked,Scheduled,Overtime,Late,Conflicts,Entries\r\n"
-              "E01,\"Asha, \"\"A\"\" Rao\",Stores,P,A,HA,L,P,H,H,4.5,1,1.5,2,22:25,40:00,00:30,00:30,0,ATT1 ATT2\r\n"
-              "E02,Ben Okafor,,P,HL,AL,!P/A,!P/P,,,1.5,1,0.5,0,12:00,24:00,00:00,00:00,2,ATT4 ATT5\r\n"
-              "E03,Chen Li,Office,,,,,,,,0,0,0,0,00:00,00:00,00:00,00:00,0,\r\n"
-              "E05,Eli Marsh,Stores,,,,,A,,,0,0,1,0,00:00,08:00,00:00,00:00,0,ATT6\r\n");
+    EXPECT_EQ(
+        f.readAll().toStdString(),
+        "Emp No,Name,Department,26 Mon,27 Tue,28 Wed,29 Thu,1 Fri,2 Sat,3 "
+        "Sun,Present,Leave,Absent,Holidays,"
+        "Worked,Scheduled,Overtime,Late,Conflicts,Entries\r\n"
+        "E01,\"Asha, \"\"A\"\" "
+        "Rao\",Stores,P,A,HA,L,P,H,H,4.5,1,1.5,2,22:25,40:00,00:30,00:30,0,ATT1 ATT2\r\n"
+        "E02,Ben Okafor,,P,HL,AL,!P/A,!P/P,,,1.5,1,0.5,0,12:00,24:00,00:00,00:00,2,ATT4 ATT5\r\n"
+        "E03,Chen Li,Office,,,,,,,,0,0,0,0,00:00,00:00,00:00,00:00,0,\r\n"
+        "E05,Eli Marsh,Stores,,,,,A,,,0,0,1,0,00:00,08:00,00:00,00:00,0,ATT6\r\n");
 }
 
 TEST_F(ReportFormats, PayrollCsvToTheByte) {
@@ -109,10 +118,13 @@ TEST_F(ReportFormats, PayrollCsvToTheByte) {
     QFile f(path("payroll.csv"));
     ASSERT_TRUE(f.open(QIODevice::ReadOnly));
     EXPECT_EQ(f.readAll().toStdString(),
-              "Emp No,Name,Department,Entry No,From,To,Present,Leave,Absent,Overtime hours,Overtime,Allowance ID,"
+              "Emp No,Name,Department,Entry No,From,To,Present,Leave,Absent,Overtime "
+              "hours,Overtime,Allowance ID,"
               "Late hours,Late,Deduction ID\r\n"
-              "E01,\"Asha, \"\"A\"\" Rao\",Stores,ATT1,2024-02-26,2024-02-29,1.5,1,1.5,0.50,00:30,7,0.25,00:15,8\r\n"
-              "E01,\"Asha, \"\"A\"\" Rao\",Stores,ATT2,2024-03-01,2024-03-03,3,0,0,0.00,00:00,,0.25,00:15,8\r\n"
+              "E01,\"Asha, \"\"A\"\" "
+              "Rao\",Stores,ATT1,2024-02-26,2024-02-29,1.5,1,1.5,0.50,00:30,7,0.25,00:15,8\r\n"
+              "E01,\"Asha, \"\"A\"\" "
+              "Rao\",Stores,ATT2,2024-03-01,2024-03-03,3,0,0,0.00,00:00,,0.25,00:15,8\r\n"
               "E02,Ben Okafor,,ATT4,2024-02-26,2024-03-03,3.5,1,0.5,0.00,00:00,,0.00,00:00,\r\n"
               "E02,Ben Okafor,,ATT5,2024-02-29,2024-03-01,1,0,1,0.00,00:00,,0.00,00:00,\r\n"
               "E05,Eli Marsh,Stores,ATT6,2024-03-01,2024-03-03,0,0,1,0.00,00:00,,0.00,00:00,\r\n");
@@ -122,7 +134,8 @@ TEST_F(ReportFormats, SheetCsvCarriesTheEntryNumber) {
     const QByteArray csv = csvText(sheet("ATT1"));
     const QList<QByteArray> lines = csv.split('\n');
     ASSERT_EQ(lines.size(), 31);  // heading, 29 days, the empty piece after the last CRLF
-    EXPECT_EQ(lines[0], "Entry No,Date,Day,Type,Check-in/check-out,Worked,Scheduled,Overtime,Late\r");
+    EXPECT_EQ(lines[0],
+              "Entry No,Date,Day,Type,Check-in/check-out,Worked,Scheduled,Overtime,Late\r");
     EXPECT_EQ(lines[1], "ATT1,2024-02-01,Thu,,,,,,\r");
     EXPECT_EQ(lines[26], "ATT1,2024-02-26,Mon,P,09:05-13:00  14:00-18:30,08:30,08:00,00:30,\r");
     EXPECT_EQ(lines[29], "ATT1,2024-02-29,Thu,L,,00:00,08:00,,\r");
@@ -139,41 +152,51 @@ TEST_F(ReportFormats, MusterXlsxReadsBack) {
               "Period: 26/02/2024 to 03/03/2024,,,,,,,,,,,,,,,,,,,\n"
               "Department: all,,,,,,,,,,,,,,,,,,,\n"
               "\n"
-              "Emp No,Name,Department,26 Mon,27 Tue,28 Wed,29 Thu,1 Fri,2 Sat,3 Sun,Present,Leave,Absent,Holidays,"
+              "Emp No,Name,Department,26 Mon,27 Tue,28 Wed,29 Thu,1 Fri,2 Sat,3 "
+              "Sun,Present,Leave,Absent,Holidays,"
               "Worked,Scheduled,Overtime,Late,Conflicts,Entries\n"
-              "E01,\"Asha, \"\"A\"\" Rao\",Stores,P,A,HA,L,P,H,H,4.5,1,1.5,2,0.934028,1.666667,0.020833,0.020833,0,"
+              "E01,\"Asha, \"\"A\"\" "
+              "Rao\",Stores,P,A,HA,L,P,H,H,4.5,1,1.5,2,0.934028,1.666667,0.020833,0.020833,0,"
               "ATT1 ATT2\n"
               "E02,Ben Okafor,,P,HL,AL,!P/A,!P/P,,,1.5,1,0.5,0,0.5,1,0,0,2,ATT4 ATT5\n"
               "E03,Chen Li,Office,,,,,,,,0,0,0,0,0,0,0,0,0,\n"
               "E05,Eli Marsh,Stores,,,,,A,,,0,0,1,0,0,0.333333,0,0,0,ATT6\n"
               "\n"
-              "\"P present, A absent, L leave, H holiday, HA half day absent, HL half day leave, AL half leave half "
+              "\"P present, A absent, L leave, H holiday, HA half day absent, HL half day leave, "
+              "AL half leave half "
               "absent; an empty day has no entry.\",,,,,,,,,,,,,,,,,,,\n"
-              "\"! two live entries cover the day: their codes are shown, and the day counts in neither the days nor "
+              "\"! two live entries cover the day: their codes are shown, and the day counts in "
+              "neither the days nor "
               "the hours.\",,,,,,,,,,,,,,,,,,,\n"
-              "Present (Pres.) includes holidays (Hol.); Abs. absent; Sched. scheduled; overtime (OT) and Late are the "
+              "Present (Pres.) includes holidays (Hol.); Abs. absent; Sched. scheduled; overtime "
+              "(OT) and Late are the "
               "hours claimed; Confl. conflict days.,,,,,,,,,,,,,,,,,,,\n");
 }
 
 TEST_F(ReportFormats, PayrollXlsxTypedCells) {
     writeXlsx(payroll(), path("payroll.xlsx"));
     // Dates come back in the reader's own format only when they are stored as dates.
-    const QString csv = readBack(QStringLiteral("xlsx2csv"), {"-f", "%Y-%m-%d", path("payroll.xlsx")});
-    EXPECT_EQ(csv.toStdString(),
-              "Payroll summary,,,,,,,,,,,,,,\n"
-              "Demo Works,,,,,,,,,,,,,,\n"
-              "Period: 26/02/2024 to 03/03/2024,,,,,,,,,,,,,,\n"
-              "Department: all,,,,,,,,,,,,,,\n"
-              "\n"
-              "Emp No,Name,Department,Entry No,From,To,Present,Leave,Absent,Overtime hours,Overtime,Allowance ID,"
-              "Late hours,Late,Deduction ID\n"
-              "E01,\"Asha, \"\"A\"\" Rao\",Stores,ATT1,2024-02-26,2024-02-29,1.5,1,1.5,0.5,0.020833,7,0.25,0.010417,8\n"
-              "E01,\"Asha, \"\"A\"\" Rao\",Stores,ATT2,2024-03-01,2024-03-03,3,0,0,0,0,,0.25,0.010417,8\n"
-              "E02,Ben Okafor,,ATT4,2024-02-26,2024-03-03,3.5,1,0.5,0,0,,0,0,\n"
-              "E02,Ben Okafor,,ATT5,2024-02-29,2024-03-01,1,0,1,0,0,,0,0,\n"
-              "E05,Eli Marsh,Stores,ATT6,2024-03-01,2024-03-03,0,0,1,0,0,,0,0,\n"
-              "\n"
-              "Days and claims of each entry inside the period; present includes holidays.,,,,,,,,,,,,,,\n");
+    const QString csv =
+        readBack(QStringLiteral("xlsx2csv"), {"-f", "%Y-%m-%d", path("payroll.xlsx")});
+    EXPECT_EQ(
+        csv.toStdString(),
+        "Payroll summary,,,,,,,,,,,,,,\n"
+        "Demo Works,,,,,,,,,,,,,,\n"
+        "Period: 26/02/2024 to 03/03/2024,,,,,,,,,,,,,,\n"
+        "Department: all,,,,,,,,,,,,,,\n"
+        "\n"
+        "Emp No,Name,Department,Entry No,From,To,Present,Leave,Absent,Overtime "
+        "hours,Overtime,Allowance ID,"
+        "Late hours,Late,Deduction ID\n"
+        "E01,\"Asha, \"\"A\"\" "
+        "Rao\",Stores,ATT1,2024-02-26,2024-02-29,1.5,1,1.5,0.5,0.020833,7,0.25,0.010417,8\n"
+        "E01,\"Asha, \"\"A\"\" Rao\",Stores,ATT2,2024-03-01,2024-03-03,3,0,0,0,0,,0.25,0.010417,8\n"
+        "E02,Ben Okafor,,ATT4,2024-02-26,2024-03-03,3.5,1,0.5,0,0,,0,0,\n"
+        "E02,Ben Okafor,,ATT5,2024-02-29,2024-03-01,1,0,1,0,0,,0,0,\n"
+        "E05,Eli Marsh,Stores,ATT6,2024-03-01,2024-03-03,0,0,1,0,0,,0,0,\n"
+        "\n"
+        "Days and claims of each entry inside the period; present includes "
+        "holidays.,,,,,,,,,,,,,,\n");
 }
 
 TEST_F(ReportFormats, MusterPdfTextAndPages) {
@@ -187,15 +210,19 @@ TEST_F(ReportFormats, MusterPdfTextAndPages) {
               "26 27 28 29 1 2 3\n"
               "Emp No Name Department Pres. Leave Abs. Hol. Worked Sched. OT Late Confl. Entries\n"
               "Mo Tu We Th Fr Sa Su\n"
-              "E01 Asha, \"A\" Rao Stores P A HA L P H H 4.5 1 1.5 2 22:25 40:00 00:30 00:30 0 ATT1 ATT2\n"
+              "E01 Asha, \"A\" Rao Stores P A HA L P H H 4.5 1 1.5 2 22:25 40:00 00:30 00:30 0 "
+              "ATT1 ATT2\n"
               "E02 Ben Okafor P HL AL !P/A !P/P 1.5 1 0.5 0 12:00 24:00 00:00 00:00 2 ATT4 ATT5\n"
               "E03 Chen Li Office 0 0 0 0 00:00 00:00 00:00 00:00 0\n"
               "E05 Eli Marsh Stores A 0 0 1 0 00:00 08:00 00:00 00:00 0 ATT6\n"
-              "P present, A absent, L leave, H holiday, HA half day absent, HL half day leave, AL half leave half "
+              "P present, A absent, L leave, H holiday, HA half day absent, HL half day leave, AL "
+              "half leave half "
               "absent; an empty day has no entry.\n"
-              "! two live entries cover the day: their codes are shown, and the day counts in neither the days nor "
+              "! two live entries cover the day: their codes are shown, and the day counts in "
+              "neither the days nor "
               "the hours.\n"
-              "Present (Pres.) includes holidays (Hol.); Abs. absent; Sched. scheduled; overtime (OT) and Late are the "
+              "Present (Pres.) includes holidays (Hol.); Abs. absent; Sched. scheduled; overtime "
+              "(OT) and Late are the "
               "hours claimed; Confl. conflict days.\n"
               "Monthly muster Page 1 of 1");
 }
@@ -222,8 +249,9 @@ TEST_F(ReportFormats, SheetPdfTextAndPages) {
 
 TEST_F(ReportFormats, LongMusterRepeatsHeadingsOnEveryPage) {
     for (int i = 0; i < 150; ++i)
-        t.exec(QStringLiteral("insert into pEmployee(eEmpID, eCompanyID, eEmpNo, eName, eActive, eDeptID) "
-                              "values(%1, 1, 'F%2', 'Filler', 1, 20)")
+        t.exec(QStringLiteral(
+                   "insert into pEmployee(eEmpID, eCompanyID, eEmpNo, eName, eActive, eDeptID) "
+                   "values(%1, 1, 'F%2', 'Filler', 1, 20)")
                    .arg(100 + i)
                    .arg(100 + i));
     int progressCalls = 0;
@@ -236,9 +264,11 @@ TEST_F(ReportFormats, LongMusterRepeatsHeadingsOnEveryPage) {
         SCOPED_TRACE(page);
         const QString text = pdfText(path("long.pdf"), page);
         EXPECT_TRUE(text.contains("Emp No Name Department Pres. Leave")) << text.toStdString();
-        EXPECT_TRUE(text.contains(QStringLiteral("Monthly muster Page %1 of %2").arg(page).arg(pages)));
+        EXPECT_TRUE(
+            text.contains(QStringLiteral("Monthly muster Page %1 of %2").arg(page).arg(pages)));
         for (const QString& line : text.split('\n'))
-            if (QRegularExpression("^[EF][0-9]+ ").match(line).hasMatch()) seen << line.section(' ', 0, 0);
+            if (QRegularExpression("^[EF][0-9]+ ").match(line).hasMatch())
+                seen << line.section(' ', 0, 0);
     }
     // Every employee once, in order, across the pages.
     QStringList want{"E01", "E02", "E03", "E05"};
@@ -266,7 +296,8 @@ TEST_F(ReportFormats, SixtyTwoDaysSplitTheColumnsOverPages) {
         all += text;
     }
     EXPECT_TRUE(all.contains("26 27 28 29")) << all.toStdString();  // the leap day
-    EXPECT_TRUE(all.contains("\n1 2\n") || all.contains(" 29 1 ")) << all.toStdString();  // then March
+    EXPECT_TRUE(all.contains("\n1 2\n") || all.contains(" 29 1 "))
+        << all.toStdString();  // then March
     EXPECT_TRUE(all.contains("Pres. Leave Abs.")) << all.toStdString();
     EXPECT_TRUE(all.contains("00:30 00:30 0 ATT1 ATT2")) << all.toStdString();
 }
@@ -278,7 +309,8 @@ TEST_F(ReportFormats, NoPartialFileOnCancelOrFailure) {
         ASSERT_TRUE(old.open(QIODevice::WriteOnly));
         old.write("old contents");
         old.close();
-        EXPECT_THROW(writeReport(muster(), format, keep, [](int, int) { return false; }), ReportCancelled);
+        EXPECT_THROW(writeReport(muster(), format, keep, [](int, int) { return false; }),
+                     ReportCancelled);
         ASSERT_TRUE(old.open(QIODevice::ReadOnly));
         EXPECT_EQ(old.readAll(), "old contents");
         old.close();
@@ -290,7 +322,8 @@ TEST_F(ReportFormats, NoPartialFileOnCancelOrFailure) {
             writeReport(muster(), format, nowhere);
             ADD_FAILURE() << "wrote into a missing folder";
         } catch (const ReportError& e) {
-            EXPECT_TRUE(e.message().startsWith("Cannot write " + nowhere + ": ")) << e.message().toStdString();
+            EXPECT_TRUE(e.message().startsWith("Cannot write " + nowhere + ": "))
+                << e.message().toStdString();
         }
         EXPECT_FALSE(QFile::exists(nowhere));
     }

@@ -58,9 +58,10 @@ frmReports::frmReports(const QString& entryNo, QWidget* parent) : QDialog(parent
     cboDepartment->setObjectName(QStringLiteral("cboDepartment"));
     cboDepartment->addItem(tr("(all departments)"));
     try {
-        db::forEachRow(gadocon, reports::sql::departmentsQuery(gintCompanyID), [this](const QSqlQuery& q) {
-            cboDepartment->addItem(q.value(1).toString(), q.value(0));
-        });
+        db::forEachRow(gadocon, reports::sql::departmentsQuery(gintCompanyID),
+                       [this](const QSqlQuery& q) {
+                           cboDepartment->addItem(q.value(1).toString(), q.value(0));
+                       });
     } catch (const std::exception&) {
         // Without the list every department is reported; the report itself says if the
         // database cannot be read.
@@ -136,8 +137,9 @@ void frmReports::fnEnableChoices() {
 
 std::optional<reports::ReportTable> frmReports::fnBuildReport() {
     reports::Request r;
-    r.kind = optSheet->isChecked() ? reports::Kind::Sheet
-                                   : (optPayroll->isChecked() ? reports::Kind::Payroll : reports::Kind::Muster);
+    r.kind = optSheet->isChecked()
+                 ? reports::Kind::Sheet
+                 : (optPayroll->isChecked() ? reports::Kind::Payroll : reports::Kind::Muster);
     r.company = gintCompanyID;
     r.from = dtpFrom->date();
     r.to = dtpTo->date();
@@ -188,7 +190,8 @@ void frmReports::cmdPreview_Click() {
     preview.setWindowTitle(table->title);
     connect(&preview, &QPrintPreviewDialog::paintRequested, this, [&](QPrinter* printer) {
         try {
-            reports::paintReport(*table, *printer, printer->resolution(), fnProgress(tr("Drawing the pages...")));
+            reports::paintReport(*table, *printer, printer->resolution(),
+                                 fnProgress(tr("Drawing the pages...")));
         } catch (const reports::ReportError& e) {
             lblStatus->setText(e.message());
         }
@@ -199,9 +202,9 @@ void frmReports::cmdPreview_Click() {
 
 void frmReports::cmdBrowse_Click() {
     const QString suffix = cboFormat->currentData().toString();
-    const QString file = QFileDialog::getSaveFileName(this, tr("Save the report"), txtFile->text(),
-                                                      cboFormat->currentText() + QStringLiteral(" (*.") + suffix +
-                                                          QLatin1Char(')'));
+    const QString file = QFileDialog::getSaveFileName(
+        this, tr("Save the report"), txtFile->text(),
+        cboFormat->currentText() + QStringLiteral(" (*.") + suffix + QLatin1Char(')'));
     if (!file.isEmpty()) txtFile->setText(file);
 }
 
@@ -213,11 +216,13 @@ void frmReports::cmdSave_Click() {
         if (file.isEmpty()) return;
     }
     const QString suffix = cboFormat->currentData().toString();
-    if (QFileInfo(file).suffix().compare(suffix, Qt::CaseInsensitive) != 0) file += QLatin1Char('.') + suffix;
+    if (QFileInfo(file).suffix().compare(suffix, Qt::CaseInsensitive) != 0)
+        file += QLatin1Char('.') + suffix;
     const std::optional<reports::ReportTable> table = fnBuildReport();
     if (!table) return;
     try {
-        reports::writeReport(*table, *reports::formatFromName(suffix), file, fnProgress(tr("Writing the report...")));
+        reports::writeReport(*table, *reports::formatFromName(suffix), file,
+                             fnProgress(tr("Writing the report...")));
         lblStatus->setText(tr("Saved %1").arg(QFileInfo(file).fileName()));
     } catch (const reports::ReportCancelled&) {
         lblStatus->setText(tr("Cancelled; nothing was saved."));

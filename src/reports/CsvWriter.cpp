@@ -9,8 +9,8 @@ namespace qz2::reports {
 namespace {
 
 QString field(const QString& text) {
-    if (!text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"')) && !text.contains(QLatin1Char('\n')) &&
-        !text.contains(QLatin1Char('\r')))
+    if (!text.contains(QLatin1Char(',')) && !text.contains(QLatin1Char('"')) &&
+        !text.contains(QLatin1Char('\n')) && !text.contains(QLatin1Char('\r')))
         return text;
     QString quoted = text;
     quoted.replace(QLatin1Char('"'), QStringLiteral("\"\""));
@@ -19,12 +19,12 @@ QString field(const QString& text) {
 
 QString csvValue(const Cell& c) {
     switch (c.kind) {
-    case Cell::Kind::Date:
-        return c.date.toString(Qt::ISODate);
-    case Cell::Kind::Text:
-    case Cell::Kind::Number:
-    case Cell::Kind::Hours:
-        break;
+        case Cell::Kind::Date:
+            return c.date.toString(Qt::ISODate);
+        case Cell::Kind::Text:
+        case Cell::Kind::Number:
+        case Cell::Kind::Hours:
+            break;
     }
     return c.text;
 }
@@ -65,7 +65,8 @@ void writeCsv(const ReportTable& table, const QString& path) {
         file.cancelWriting();
         throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, why));
     }
-    if (!file.commit()) throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
+    if (!file.commit())
+        throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
 }
 
 std::optional<Format> formatFromName(const QString& name) {
@@ -76,17 +77,18 @@ std::optional<Format> formatFromName(const QString& name) {
     return std::nullopt;
 }
 
-void writeReport(const ReportTable& table, Format format, const QString& path, const Progress& progress) {
+void writeReport(const ReportTable& table, Format format, const QString& path,
+                 const Progress& progress) {
     switch (format) {
-    case Format::Pdf:
-        writePdf(table, path, progress);
-        return;
-    case Format::Xlsx:
-        writeXlsx(table, path, progress);
-        return;
-    case Format::Csv:
-        writeCsv(table, path);
-        return;
+        case Format::Pdf:
+            writePdf(table, path, progress);
+            return;
+        case Format::Xlsx:
+            writeXlsx(table, path, progress);
+            return;
+        case Format::Csv:
+            writeCsv(table, path);
+            return;
     }
 }
 

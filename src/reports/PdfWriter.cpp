@@ -20,11 +20,14 @@ namespace {
 
 constexpr double kMarginMm = 10.0;
 
-QString paperHeading(const Column& c) { return c.paperHeading.isEmpty() ? c.heading : c.paperHeading; }
+QString paperHeading(const Column& c) {
+    return c.paperHeading.isEmpty() ? c.heading : c.paperHeading;
+}
 
 QPageLayout a4(bool landscape) {
-    return QPageLayout(QPageSize(QPageSize::A4), landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
-                       QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter);
+    return QPageLayout(
+        QPageSize(QPageSize::A4), landscape ? QPageLayout::Landscape : QPageLayout::Portrait,
+        QMarginsF(kMarginMm, kMarginMm, kMarginMm, kMarginMm), QPageLayout::Millimeter);
 }
 
 QFont fontOf(double points, bool bold = false) {
@@ -52,7 +55,8 @@ public:
     int run(const Progress& progress) {
         m_device.setPageLayout(a4(m_t.landscape));
         QPainter p;
-        if (!p.begin(&m_device)) throw ReportError(QStringLiteral("The report cannot be drawn on this device."));
+        if (!p.begin(&m_device))
+            throw ReportError(QStringLiteral("The report cannot be drawn on this device."));
         m_p = &p;
         const QRectF paper = m_device.pageLayout().paintRectPixels(m_res);
         m_width = paper.width();
@@ -60,7 +64,8 @@ public:
         measure();
 
         const int rows = static_cast<int>(m_t.rows.size());
-        const int perPage = std::max(1, static_cast<int>((m_height - m_top - m_headRowH - m_footH) / m_rowH));
+        const int perPage =
+            std::max(1, static_cast<int>((m_height - m_top - m_headRowH - m_footH) / m_rowH));
         const int pagesPerGroup = std::max(1, (rows + perPage - 1) / perPage);
         const int lastRows = rows == 0 ? 0 : rows - (pagesPerGroup - 1) * perPage;
         const double used = m_top + m_headRowH + lastRows * m_rowH;
@@ -70,7 +75,8 @@ public:
         int page = 0;
         for (int g = 0; g < m_groups.size(); ++g) {
             for (int pg = 0; pg < pagesPerGroup; ++pg) {
-                if (page > 0 && !m_device.newPage()) throw ReportError(QStringLiteral("A new page cannot be started."));
+                if (page > 0 && !m_device.newPage())
+                    throw ReportError(QStringLiteral("A new page cannot be started."));
                 ++page;
                 if (progress && !progress(page, m_pages)) {
                     p.end();
@@ -117,7 +123,8 @@ private:
         const QFontMetricsF head(m_head, &m_device);
         m_rowH = body.height() * 1.45;
         m_pad = mm(m_wide ? 0.5 : 0.8);
-        const bool twoLineHeads = std::any_of(m_t.columns.cbegin(), m_t.columns.cend(), [](const Column& c) { return c.day; });
+        const bool twoLineHeads = std::any_of(m_t.columns.cbegin(), m_t.columns.cend(),
+                                              [](const Column& c) { return c.day; });
         m_headRowH = bold.height() * (twoLineHeads ? 2.4 : 1.5);
         m_top = title.height() * 1.4 + head.height() * 1.3 * m_t.heading.size() + mm(2);
         m_footH = body.height() * 2.0;
@@ -126,11 +133,13 @@ private:
         QVector<double> need(n, 0.0);
         for (int c = 0; c < n; ++c) {
             const Column& col = m_t.columns[c];
-            for (const QString& part : col.day ? paperHeading(col).split(QLatin1Char(' ')) : QStringList{paperHeading(col)})
+            for (const QString& part : col.day ? paperHeading(col).split(QLatin1Char(' '))
+                                               : QStringList{paperHeading(col)})
                 need[c] = std::max(need[c], bold.horizontalAdvance(part));
         }
         for (const QVector<Cell>& row : m_t.rows)
-            for (int c = 0; c < n && c < row.size(); ++c) need[c] = std::max(need[c], textWidth(body, row[c].text));
+            for (int c = 0; c < n && c < row.size(); ++c)
+                need[c] = std::max(need[c], textWidth(body, row[c].text));
         for (int c = 0; c < n; ++c) need[c] = std::min(need[c] + 2 * m_pad, m_width * 0.45);
 
         // Frozen columns in front of every group; the others fill groups in order.
@@ -197,7 +206,8 @@ private:
             const Column& col = m_t.columns[m_groups[g][k]];
             const double w = m_groupWidths[g][k];
             const QRectF cell(x + m_pad, y, w - 2 * m_pad, m_headRowH);
-            const Qt::Alignment h = col.day ? Qt::AlignHCenter : (col.right ? Qt::AlignRight : Qt::AlignLeft);
+            const Qt::Alignment h =
+                col.day ? Qt::AlignHCenter : (col.right ? Qt::AlignRight : Qt::AlignLeft);
             QString text = paperHeading(col);
             if (col.day) text.replace(QLatin1Char(' '), QLatin1Char('\n'));
             p.drawText(cell, static_cast<int>(h | Qt::AlignVCenter), text);
@@ -223,7 +233,8 @@ private:
                 const bool conflict = text.startsWith(QLatin1Char('!'));
                 p.setFont(conflict ? m_bold : m_body);
                 p.setPen(conflict ? QColor(190, 0, 0) : QColor(Qt::black));
-                const Qt::Alignment h = col.day ? Qt::AlignHCenter : (col.right ? Qt::AlignRight : Qt::AlignLeft);
+                const Qt::Alignment h =
+                    col.day ? Qt::AlignHCenter : (col.right ? Qt::AlignRight : Qt::AlignLeft);
                 const QRectF cell(x + m_pad, y, w - 2 * m_pad, m_rowH);
                 p.drawText(cell, static_cast<int>(h | Qt::AlignVCenter),
                            fm.elidedText(text, Qt::ElideRight, cell.width() + 0.5));
@@ -269,7 +280,8 @@ private:
         double x = 0;
         for (const QString& who : m_t.signatures) {
             p.drawLine(QPointF(x, y), QPointF(x + lineW, y));
-            p.drawText(QPointF(x, y + head.height()), QStringLiteral("Signature of the %1").arg(who.toLower()));
+            p.drawText(QPointF(x, y + head.height()),
+                       QStringLiteral("Signature of the %1").arg(who.toLower()));
             x += lineW + mm(25);
         }
     }
@@ -279,7 +291,8 @@ private:
     int m_res;
     QPainter* m_p = nullptr;
     QFont m_body, m_bold, m_title, m_head;
-    double m_width = 0, m_height = 0, m_rowH = 0, m_pad = 0, m_headRowH = 0, m_top = 0, m_footH = 0, m_y = 0;
+    double m_width = 0, m_height = 0, m_rowH = 0, m_pad = 0, m_headRowH = 0, m_top = 0, m_footH = 0,
+           m_y = 0;
     int m_pages = 1;
     bool m_wide = false;
     QVector<QVector<int>> m_groups;
@@ -289,7 +302,8 @@ private:
 
 }  // namespace
 
-int paintReport(const ReportTable& table, QPagedPaintDevice& device, int resolution, const Progress& progress) {
+int paintReport(const ReportTable& table, QPagedPaintDevice& device, int resolution,
+                const Progress& progress) {
     Painter painter(table, device, resolution);
     return painter.run(progress);
 }
@@ -311,7 +325,8 @@ void writePdf(const ReportTable& table, const QString& path, const Progress& pro
         file.cancelWriting();
         throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, why));
     }
-    if (!file.commit()) throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
+    if (!file.commit())
+        throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
 }
 
 }  // namespace qz2::reports

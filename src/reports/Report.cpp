@@ -15,7 +15,8 @@ std::optional<Kind> kindFromName(const QString& name) {
 
 ReportTable makeReport(const QSqlDatabase& db, const Request& r) {
     if (r.kind == Kind::Sheet) {
-        if (r.entryNo.trimmed().isEmpty()) throw ReportError(QStringLiteral("Which entry? Give its number."));
+        if (r.entryNo.trimmed().isEmpty())
+            throw ReportError(QStringLiteral("Which entry? Give its number."));
         return sheetTable(buildSheet(readSheet(db, r.company, r.entryNo)), r.companyTitle);
     }
     sql::Scope scope;
@@ -25,8 +26,10 @@ ReportTable makeReport(const QSqlDatabase& db, const Request& r) {
     scope.department = r.department;
     const db::Dialect dialect = db::Dialect::of(db);
     if (r.kind == Kind::Muster)
-        return musterTable(buildMuster(readPeriod(db, dialect, scope, PeriodReport::Muster)), r.companyTitle);
-    return payrollTable(buildPayroll(readPeriod(db, dialect, scope, PeriodReport::Payroll)), r.companyTitle);
+        return musterTable(buildMuster(readPeriod(db, dialect, scope, PeriodReport::Muster)),
+                           r.companyTitle);
+    return payrollTable(buildPayroll(readPeriod(db, dialect, scope, PeriodReport::Payroll)),
+                        r.companyTitle);
 }
 
 }  // namespace qz2::reports

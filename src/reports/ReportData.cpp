@@ -131,11 +131,14 @@ void readWorkTime(const QSqlDatabase& db, qint16 company, WorkTime& out, int& gr
 }  // namespace
 
 QString periodProblem(QDate from, QDate to) {
-    if (!from.isValid() || !to.isValid()) return QStringLiteral("The period needs a start and an end date.");
+    if (!from.isValid() || !to.isValid())
+        return QStringLiteral("The period needs a start and an end date.");
     if (to < from) return QStringLiteral("The period ends before it starts.");
     const qint64 days = from.daysTo(to) + 1;
     if (days > kMaxPeriodDays)
-        return QStringLiteral("A report covers at most %1 days; this period has %2.").arg(kMaxPeriodDays).arg(days);
+        return QStringLiteral("A report covers at most %1 days; this period has %2.")
+            .arg(kMaxPeriodDays)
+            .arg(days);
     return {};
 }
 
@@ -150,19 +153,23 @@ std::optional<rules::DaySchedule> WorkTime::day(std::optional<qint32> settingId,
     return *it;
 }
 
-int workTimeDayId(QDate date) { return date.dayOfWeek() % 7 + 1; }
+int workTimeDayId(QDate date) {
+    return date.dayOfWeek() % 7 + 1;
+}
 
 PeriodSource readPeriod(const QSqlDatabase& db, const db::Dialect& dialect, const sql::Scope& scope,
                         PeriodReport report) {
-    if (const QString problem = periodProblem(scope.from, scope.to); !problem.isEmpty()) throw ReportError(problem);
+    if (const QString problem = periodProblem(scope.from, scope.to); !problem.isEmpty())
+        throw ReportError(problem);
     PeriodSource src;
     src.scope = scope;
     if (scope.department) {
         bool found = false;
-        db::forEachRow(db, sql::departmentQuery(scope.company, *scope.department), [&](const QSqlQuery& q) {
-            found = true;
-            src.departmentName = q.value(1).toString();
-        });
+        db::forEachRow(db, sql::departmentQuery(scope.company, *scope.department),
+                       [&](const QSqlQuery& q) {
+                           found = true;
+                           src.departmentName = q.value(1).toString();
+                       });
         if (!found)
             throw ReportError(QStringLiteral("There is no department %1 in company %2.")
                                   .arg(*scope.department)
@@ -202,8 +209,9 @@ SheetSource readSheet(const QSqlDatabase& db, qint16 company, const QString& ent
         src.entry.cancelledRemarks = q.value(16).toString();
     });
     if (!found)
-        throw ReportError(
-            QStringLiteral("There is no entry numbered \"%1\" in company %2.").arg(entryNo.trimmed()).arg(company));
+        throw ReportError(QStringLiteral("There is no entry numbered \"%1\" in company %2.")
+                              .arg(entryNo.trimmed())
+                              .arg(company));
     readDetails(db, sql::entryDetailsQuery(company, src.entry.id), src.details);
     readClaims(db, sql::entryClaimsQuery(company, src.entry.id), src.claims);
     readWorkTime(db, company, src.workTime, src.graceMinutes);

@@ -27,7 +27,8 @@ constexpr int kMaxPeriodDays = 62;
 // message says why in the clerk's words.
 class ReportError : public std::runtime_error {
 public:
-    explicit ReportError(const QString& message) : std::runtime_error(message.toStdString()), m_message(message) {}
+    explicit ReportError(const QString& message)
+        : std::runtime_error(message.toStdString()), m_message(message) {}
     const QString& message() const { return m_message; }
 
 private:
@@ -94,11 +95,11 @@ int workTimeDayId(QDate date);
 
 struct PeriodSource {
     sql::Scope scope;
-    QString departmentName;          // of the scope's department, when one is given
-    QVector<Employee> employees;     // the muster's rows (empty for the payroll summary)
-    QVector<EntryHead> entries;      // live entries overlapping the period
-    QVector<DetailLine> details;     // their lines inside the period
-    QVector<ClaimLine> claims;       // their claims inside the period
+    QString departmentName;       // of the scope's department, when one is given
+    QVector<Employee> employees;  // the muster's rows (empty for the payroll summary)
+    QVector<EntryHead> entries;   // live entries overlapping the period
+    QVector<DetailLine> details;  // their lines inside the period
+    QVector<ClaimLine> claims;    // their claims inside the period
     WorkTime workTime;
     int graceMinutes = 0;
 };

@@ -22,15 +22,18 @@ qint64 dayMinutes(TimeValue t) {
 // deal over a million lines: each combination is worked out once.
 class PairHours {
 public:
-    PairHours(const WorkTime& workTime, int graceMinutes) : m_workTime(workTime), m_grace(graceMinutes) {}
+    PairHours(const WorkTime& workTime, int graceMinutes)
+        : m_workTime(workTime), m_grace(graceMinutes) {}
 
     TimeValue operator()(const DetailLine& d, std::optional<qint32> setting) {
         if (!d.checkIn || !d.checkOut) return TimeValue();
         const qint64 ms = std::llround(d.checkIn->days() * 86400000.0);
-        const qint64 key = ((static_cast<qint64>(setting.value_or(-1)) * 8 + workTimeDayId(d.date)) << 28) ^ ms;
+        const qint64 key =
+            ((static_cast<qint64>(setting.value_or(-1)) * 8 + workTimeDayId(d.date)) << 28) ^ ms;
         auto it = m_checkIns.constFind(key);
         if (it == m_checkIns.constEnd())
-            it = m_checkIns.insert(key, rules::effectiveCheckIn(*d.checkIn, graceStart(setting, d.date), m_grace));
+            it = m_checkIns.insert(
+                key, rules::effectiveCheckIn(*d.checkIn, graceStart(setting, d.date), m_grace));
         return *d.checkOut - *it;
     }
 
@@ -48,7 +51,8 @@ private:
     QHash<qint64, TimeValue> m_checkIns;
 };
 
-qint64 scheduledMinutesOf(const WorkTime& workTime, std::optional<qint32> setting, QDate date, const QString& code) {
+qint64 scheduledMinutesOf(const WorkTime& workTime, std::optional<qint32> setting, QDate date,
+                          const QString& code) {
     if (code == QLatin1String("H")) return 0;
     const std::optional<rules::DaySchedule> day = workTime.day(setting, date);
     if (!day) return 0;
@@ -66,12 +70,18 @@ void addUnique(QStringList& list, const std::optional<qint32>& id) {
 QString hoursText(qint64 minutes) {
     const QString sign = minutes < 0 ? QStringLiteral("-") : QString();
     const qint64 m = minutes < 0 ? -minutes : minutes;
-    return sign + QStringLiteral("%1:%2").arg(m / 60, 2, 10, QLatin1Char('0')).arg(m % 60, 2, 10, QLatin1Char('0'));
+    return sign + QStringLiteral("%1:%2")
+                      .arg(m / 60, 2, 10, QLatin1Char('0'))
+                      .arg(m % 60, 2, 10, QLatin1Char('0'));
 }
 
-qint64 minutesOf(double hours) { return std::llround(hours * 60.0); }
+qint64 minutesOf(double hours) {
+    return std::llround(hours * 60.0);
+}
 
-QString conflictText(const QStringList& codes) { return QLatin1Char('!') + codes.join(QLatin1Char('/')); }
+QString conflictText(const QStringList& codes) {
+    return QLatin1Char('!') + codes.join(QLatin1Char('/'));
+}
 
 Muster buildMuster(const PeriodSource& src) {
     Muster m;
@@ -147,7 +157,8 @@ Muster buildMuster(const PeriodSource& src) {
                 // The codes in the entries' order, whatever order the lines came in.
                 QVector<std::pair<int, QString>> all = *more;
                 all.push_back({s.entry, s.code});
-                std::sort(all.begin(), all.end(), [](const auto& x, const auto& y) { return x.first < y.first; });
+                std::sort(all.begin(), all.end(),
+                          [](const auto& x, const auto& y) { return x.first < y.first; });
                 QStringList codes;
                 for (const auto& o : all) codes << o.second;
                 row.cells << conflictText(codes);
@@ -161,8 +172,8 @@ Muster buildMuster(const PeriodSource& src) {
             row.absent += w.absent;
             row.holidays += w.holiday;
             row.workedMinutes += dayMinutes(s.worked);
-            row.scheduledMinutes +=
-                scheduledMinutesOf(src.workTime, src.entries[s.entry].workTimeId, m.from.addDays(day), s.code);
+            row.scheduledMinutes += scheduledMinutesOf(
+                src.workTime, src.entries[s.entry].workTimeId, m.from.addDays(day), s.code);
         }
     }
     for (const ClaimLine& c : src.claims) {
@@ -170,8 +181,10 @@ Muster buildMuster(const PeriodSource& src) {
         if (e == entryIndex.constEnd()) continue;
         const auto row = rowOfEmployee.constFind(src.entries[*e].employee.id);
         if (row == rowOfEmployee.constEnd()) continue;
-        if (c.allowanceId) m.rows[*row].overtimeMinutes += minutesOf(c.hours);
-        else if (c.deductionId) m.rows[*row].lateMinutes += minutesOf(c.hours);
+        if (c.allowanceId)
+            m.rows[*row].overtimeMinutes += minutesOf(c.hours);
+        else if (c.deductionId)
+            m.rows[*row].lateMinutes += minutesOf(c.hours);
     }
     return m;
 }
@@ -221,7 +234,9 @@ Payroll buildPayroll(const PeriodSource& src) {
             addUnique(l.deductionIds, c.deductionId);
         }
     }
-    auto byNumber = [](const QString& a, const QString& b) { return a.toLongLong() < b.toLongLong(); };
+    auto byNumber = [](const QString& a, const QString& b) {
+        return a.toLongLong() < b.toLongLong();
+    };
     for (PayrollLine& l : p.lines) {
         std::sort(l.allowanceIds.begin(), l.allowanceIds.end(), byNumber);
         std::sort(l.deductionIds.begin(), l.deductionIds.end(), byNumber);
@@ -266,14 +281,18 @@ Sheet buildSheet(const SheetSource& src) {
     }
     for (const ClaimLine& c : src.claims) {
         SheetDay& day = dayOf(c.date);
-        if (c.allowanceId) day.overtimeHours += c.hours;
-        else if (c.deductionId) day.lateHours += c.hours;
+        if (c.allowanceId)
+            day.overtimeHours += c.hours;
+        else if (c.deductionId)
+            day.lateHours += c.hours;
     }
-    std::sort(s.days.begin(), s.days.end(), [](const SheetDay& a, const SheetDay& b) { return a.date < b.date; });
+    std::sort(s.days.begin(), s.days.end(),
+              [](const SheetDay& a, const SheetDay& b) { return a.date < b.date; });
     for (SheetDay& day : s.days) {
         if (!day.type.isEmpty()) {
             day.workedMinutes = dayMinutes(worked.value(day.date));
-            day.scheduledMinutes = scheduledMinutesOf(src.workTime, h.workTimeId, day.date, day.type);
+            day.scheduledMinutes =
+                scheduledMinutesOf(src.workTime, h.workTimeId, day.date, day.type);
         }
         s.holidays += rules::dayTypeWeights(day.type).holiday;
         s.workedMinutes += day.workedMinutes;

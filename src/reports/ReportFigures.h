@@ -77,7 +77,7 @@ Payroll buildPayroll(const PeriodSource& src);
 
 struct SheetDay {
     QDate date;
-    QString type;    // "" when the entry has no line for the day
+    QString type;       // "" when the entry has no line for the day
     QStringList pairs;  // "09:00-13:00"
     qint64 workedMinutes = 0;
     qint64 scheduledMinutes = 0;

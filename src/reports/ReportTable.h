@@ -17,7 +17,7 @@ namespace qz2::reports {
 struct Cell {
     enum class Kind { Text, Number, Date, Hours };
     Kind kind = Kind::Text;
-    QString text;     // as shown on paper and in CSV (a date as "dd/mm/yyyy")
+    QString text;         // as shown on paper and in CSV (a date as "dd/mm/yyyy")
     double number = 0.0;  // Number: the value; Hours: minutes
     QDate date;
 
@@ -30,7 +30,7 @@ struct Cell {
 };
 
 struct Column {
-    QString heading;  // a day column's heading is "26 Mon": paper shows it on two lines
+    QString heading;     // a day column's heading is "26 Mon": paper shows it on two lines
     bool right = false;  // numbers and hours align right on paper
     bool day = false;
     QString paperHeading;  // a shorter heading where paper is tight; empty: the heading

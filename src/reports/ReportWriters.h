@@ -40,8 +40,10 @@ void writeXlsx(const ReportTable& table, const QString& path, const Progress& pr
 // width of paper split over further pages with the first columns repeated.
 void writePdf(const ReportTable& table, const QString& path, const Progress& progress = {});
 // The same drawing on any paged device (a printer, the print preview's). Returns the pages.
-int paintReport(const ReportTable& table, QPagedPaintDevice& device, int resolution, const Progress& progress = {});
+int paintReport(const ReportTable& table, QPagedPaintDevice& device, int resolution,
+                const Progress& progress = {});
 
-void writeReport(const ReportTable& table, Format format, const QString& path, const Progress& progress = {});
+void writeReport(const ReportTable& table, Format format, const QString& path,
+                 const Progress& progress = {});
 
 }  // namespace qz2::reports
