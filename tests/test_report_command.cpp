@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QProcess>
 #include <QProcessEnvironment>
+#include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QTemporaryDir>
 
 #include "ReportMonth.h"
@@ -26,7 +28,8 @@ protected:
         qz2test::createReportMonthFile(dir.filePath("month.sqlite"));
     }
 
-    Outcome run(QStringList args) {
+    // `shell` runs before the program (a file-size limit, say).
+    Outcome run(QStringList args, const QString& shell = {}) {
         QProcess p;
         // No display of any kind: the command must not need one.
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -43,7 +46,12 @@ protected:
         p.setProcessEnvironment(env);
         args.prepend("report");
         args << "--database" << dir.filePath("month.sqlite");
-        p.start(QStringLiteral(QZ2_HOST_PROGRAM), args);
+        if (shell.isEmpty()) {
+            p.start(QStringLiteral(QZ2_HOST_PROGRAM), args);
+        } else {
+            args.prepend(QStringLiteral(QZ2_HOST_PROGRAM));
+            p.start("/bin/sh", QStringList{"-c", shell + "; exec \"$@\"", "sh"} + args);
+        }
         EXPECT_TRUE(p.waitForFinished(60000));
         return Outcome{p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),
                        QString::fromUtf8(p.readAllStandardError())};
@@ -167,4 +175,44 @@ TEST_F(ReportCommand, UnwritableOutputExitsSixAndDatabaseThree) {
     EXPECT_EQ(r.err, "qz2-attendance report: the database file '" + path("month.sqlite") +
                          "' does not exist.\n");
     EXPECT_FALSE(QFile::exists(path("y.csv")));
+}
+
+TEST_F(ReportCommand, FullDiskExitsSixAndLeavesNoFile) {
+    // A file-size limit of zero makes every write fail as a full disk does (the signal the
+    // kernel sends for it ignored, so the write returns an error instead).
+    for (const char* format : {"pdf", "xlsx", "csv"}) {
+        SCOPED_TRACE(format);
+        const QString out = path(QStringLiteral("full.") + format);
+        const Outcome r = run({"muster", "--from", "2024-02-26", "--to", "2024-03-03", "--format",
+                               format, "--out", out},
+                              "ulimit -f 0; trap '' XFSZ");
+        EXPECT_EQ(r.code, 6) << r.err.toStdString();
+        // (the spreadsheet library prints its own lines before ours)
+        EXPECT_TRUE(r.err.contains("qz2-attendance report: Cannot write " + out + ": "))
+            << r.err.toStdString();
+        EXPECT_FALSE(QFile::exists(out));
+        // Nothing half-written beside it either.
+        const QStringList left = QDir(dir.path()).entryList(QDir::Files | QDir::Hidden);
+        EXPECT_EQ(left, QStringList{"month.sqlite"}) << left.join(' ').toStdString();
+    }
+}
+
+TEST_F(ReportCommand, UnreadableDatabaseExitsThree) {
+    // A database without the suite's tables: the first statement fails.
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "bare");
+        other.setDatabaseName(path("bare.sqlite"));
+        ASSERT_TRUE(other.open());
+        QSqlQuery(other).exec("create table unrelated(x integer)");
+        other.close();
+    }
+    QSqlDatabase::removeDatabase("bare");
+    QFile::remove(path("month.sqlite"));
+    QFile::copy(path("bare.sqlite"), path("month.sqlite"));
+    const Outcome r = run({"payroll", "--from", "2024-02-26", "--to", "2024-03-03", "--format",
+                           "csv", "--out", path("p.csv")});
+    EXPECT_EQ(r.code, 3);
+    EXPECT_TRUE(r.err.startsWith("qz2-attendance report: the database cannot be read: "))
+        << r.err.toStdString();
+    EXPECT_FALSE(QFile::exists(path("p.csv")));
 }

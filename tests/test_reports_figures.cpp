@@ -208,6 +208,19 @@ TEST_F(ReportFigures, FiguresDoNotDependOnTheOrderOfTheLines) {
     }
 }
 
+TEST_F(ReportFigures, AFailingStatementIsTheDatabasesError) {
+    db::setFaultHook([](const QString& text) {
+        return text.contains("pEmpAttendanceDetail") ? QStringLiteral("disk I/O error") : QString();
+    });
+    try {
+        readPeriod(t.db, db::Dialect::sqlite(), week(), PeriodReport::Muster);
+        ADD_FAILURE() << "the failure was not reported";
+    } catch (const db::DbError& e) {
+        EXPECT_EQ(e.message(), "disk I/O error");
+    }
+    db::setFaultHook({});
+}
+
 TEST(ReportHours, HoursTextDoesNotWrap) {
     EXPECT_EQ(hoursText(0), "00:00");
     EXPECT_EQ(hoursText(45), "00:45");

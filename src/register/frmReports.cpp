@@ -18,6 +18,7 @@
 #include <QRadioButton>
 #include <QSqlQuery>
 #include <QVBoxLayout>
+#include <algorithm>
 
 #include "db/Database.h"
 #include "reports/Report.h"

@@ -60,7 +60,9 @@ void writeCsv(const ReportTable& table, const QString& path) {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, file.errorString()));
-    if (file.write(text) != text.size()) {
+    // The data may sit in the file's buffer until now: a full disk shows only at the flush,
+    // and commit() would rename a short file into place if it were not checked here.
+    if (file.write(text) != text.size() || !file.flush()) {
         const QString why = file.errorString();
         file.cancelWriting();
         throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, why));

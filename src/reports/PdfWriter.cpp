@@ -320,7 +320,7 @@ void writePdf(const ReportTable& table, const QString& path, const Progress& pro
         writer.setPageLayout(a4(table.landscape));
         paintReport(table, writer, writer.resolution(), progress);
     }
-    if (file.error() != QFileDevice::NoError) {
+    if (!file.flush() || file.error() != QFileDevice::NoError) {
         const QString why = file.errorString();
         file.cancelWriting();
         throw ReportError(QStringLiteral("Cannot write %1: %2").arg(path, why));
