@@ -16,6 +16,7 @@
 #include <optional>
 
 #include "HostDatabase.h"
+#include "ReportCommand.h"
 #include "register/FrmMaster.h"
 
 #if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
@@ -290,8 +291,8 @@ int runRegister(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    // Each run does one thing. The register is the only one so far; another task would be
-    // told by its name as the first argument and dispatched here, before the register's
-    // options are parsed.
+    // Each run does one thing, told by its name as the first argument and dispatched here,
+    // before the register's options are parsed; without a name the register opens.
+    if (argc > 1 && qstrcmp(argv[1], "report") == 0) return qz2::app::runReportCommand(argc, argv);
     return runRegister(argc, argv);
 }

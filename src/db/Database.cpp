@@ -61,6 +61,16 @@ QVariant Recordset::field(int i) const {
 
 QVariant Recordset::field(const QString& name) const { return field(indexOf(name)); }
 
+void forEachRow(const QSqlDatabase& db, const QString& sql, const std::function<void(const QSqlQuery& q)>& row) {
+    requireOpen(db, sql);
+    beforeStatement(sql);
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    if (!q.exec(sql)) throw DbError(errorText(q.lastError()), sql, q.lastError().nativeErrorCode());
+    while (q.next()) row(q);
+    if (q.lastError().isValid()) throw DbError(errorText(q.lastError()), sql, q.lastError().nativeErrorCode());
+}
+
 Recordset openRecordset(const QSqlDatabase& db, const QString& sql) { return openRecordset(db, sql, {}); }
 
 Recordset openRecordset(const QSqlDatabase& db, const QString& sql, const QVector<QVariant>& values) {

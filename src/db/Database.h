@@ -6,6 +6,7 @@
 // the reliability tests) see all of them.
 
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
@@ -63,6 +64,10 @@ Recordset openRecordset(const QSqlDatabase& db, const QString& sql);
 Recordset openRecordset(const QSqlDatabase& db, const QString& sql, const QVector<QVariant>& values);
 // Runs a statement that returns no rows; returns the rows affected. Throws DbError.
 int execute(const QSqlDatabase& db, const QString& sql);
+// Runs a query and hands each row to `row` as it is read, without keeping the result:
+// for reads of a million rows (the reports), where a Recordset would hold every value at
+// once. Counted and open to the fault hook like every other statement. Throws DbError.
+void forEachRow(const QSqlDatabase& db, const QString& sql, const std::function<void(const QSqlQuery& q)>& row);
 // First field of the first row, or a null QVariant when there is no row.
 QVariant scalar(const QSqlDatabase& db, const QString& sql);
 

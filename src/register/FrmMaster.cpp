@@ -19,6 +19,7 @@
 #include "entry/EntryLauncher.h"
 #include "register/RegisterSql.h"
 #include "register/frmCancel.h"
+#include "register/frmReports.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
@@ -137,11 +138,22 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     layout->addLayout(buttons);
     resize(860, 560);
 
+    // Reports of the period or of the selected entry, in a dialog of their own.
+    auto* cmdReports = new QPushButton(tr("&Reports..."), this);
+    cmdReports->setObjectName(QStringLiteral("cmdReports"));
+    cmdReports->setAutoDefault(true);
+    buttons->insertWidget(buttons->indexOf(CmdClose), cmdReports);
+    connect(cmdReports, &QPushButton::clicked, this, [this] {
+        const int row = flexMaster->Row();
+        fnShowReports(this, row > 0 ? flexMaster->TextMatrix(row, 1).trimmed() : QString());
+    });
+
     setTabOrder(flexMaster, cmdnew);
     setTabOrder(cmdnew, CmdEdit);
     setTabOrder(CmdEdit, CmdDelete);
     setTabOrder(CmdDelete, CmdClose);
     setTabOrder(CmdClose, cboColNames);
+    setTabOrder(CmdDelete, cmdReports);
     setTabOrder(cboColNames, optAscend);
     setTabOrder(optAscend, optDescend);
     setTabOrder(optDescend, cboSearch);
