@@ -129,6 +129,10 @@ int main(int argc, char** argv) {
         }
         statements += qz2::db::statementCount() - statementsBefore;
         prepared += qz2::entry::savesql::insertPreparations() - preparedBefore;
+        // The next run keys the same month for the same employee: the entry just saved is
+        // cancelled (untimed), since two live entries of one employee may not share a day.
+        QSqlQuery(db).exec(QStringLiteral("update pEmployeeAttendence set eaCancelled=1 where "
+                                          "eaID=(select max(eaID) from pEmployeeAttendence)"));
     }
 
     QSqlQuery rows(db);
