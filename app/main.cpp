@@ -239,7 +239,6 @@ int runRegister(int argc, char** argv) {
                      "  qz2-attendance --screenshot register.png\n");
         return kExitDisplay;
     }
-    provideRuntimeFolder();
     g_qtHandler = qInstallMessageHandler(quietOffscreenRemarks);
 
     QApplication app(argc, argv);
@@ -293,6 +292,7 @@ int runRegister(int argc, char** argv) {
 int main(int argc, char** argv) {
     // Each run does one thing, told by its name as the first argument and dispatched here,
     // before the register's options are parsed; without a name the register opens.
+    provideRuntimeFolder();
     if (argc > 1 && qstrcmp(argv[1], "report") == 0) return qz2::app::runReportCommand(argc, argv);
     return runRegister(argc, argv);
 }

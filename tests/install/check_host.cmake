@@ -128,3 +128,11 @@ if(read_rc EQUAL 0)
 endif()
 expect_one_line(3 "cannot read the database file '${unreadable}'" QT_QPA_PLATFORM=offscreen
                 -- --database "${unreadable}")
+
+# The report command, on a terminal without a display or a runtime folder: its one line and
+# nothing from Qt.
+run_host(--unset=QT_QPA_PLATFORM -- report muster --from 2026-10-01 --to 2026-10-31 --format csv
+         --out "${WORK_DIR}/m.csv" --database "${WORK_DIR}/empty.sqlite")
+if(NOT rc EQUAL 3 OR NOT out STREQUAL "" OR NOT err MATCHES "^qz2-attendance report: [^\n]*is empty[^\n]*\n$")
+  message(FATAL_ERROR "qz2-attendance report: expected exit 3 and one line of its own, got ${rc}\n${out}${err}")
+endif()
