@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QRegularExpression>
 
+#include "entry/BoxGuard.h"
 #include "shared/TimeValue.h"
 
 namespace qz2::entry {
@@ -36,33 +37,6 @@ void DateTextValidator::fixup(QString& input) const {
 }
 
 namespace {
-// Remembers the box's last complete date and puts it back when the box is left unfinished.
-class DateBoxGuard : public QObject {
-public:
-    explicit DateBoxGuard(QLineEdit* box) : QObject(box), m_box(box) {
-        remember(box->text());
-        QObject::connect(box, &QLineEdit::textChanged, this,
-                         [this](const QString& text) { remember(text); });
-        box->installEventFilter(this);
-    }
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        if (watched == m_box && event->type() == QEvent::FocusOut && !m_box->hasAcceptableInput()) {
-            QString text = m_box->text();
-            if (const QValidator* v = m_box->validator()) v->fixup(text);
-            m_box->setText(parseDmy(text) ? text : m_lastComplete);
-        }
-        return QObject::eventFilter(watched, event);
-    }
-
-private:
-    void remember(const QString& text) {
-        if (parseDmy(text)) m_lastComplete = text;
-    }
-    QLineEdit* m_box;
-    QString m_lastComplete;
-};
 // The picker's typing, see DateTextValidator::guardPicker.
 class DatePickerTyping : public QObject {
 public:
@@ -105,7 +79,7 @@ void DateTextValidator::guard(QLineEdit* box) {
     box->setValidator(new DateTextValidator(box));
     box->setMaxLength(10);
     box->setPlaceholderText(QStringLiteral("dd/mm/yyyy"));
-    new DateBoxGuard(box);
+    guardLastComplete(box, [](const QString& text) { return parseDmy(text).has_value(); });
 }
 
 }  // namespace qz2::entry
