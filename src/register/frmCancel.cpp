@@ -95,8 +95,11 @@ void frmCancel::cmdOK_Click() {
         db::execute(gadocon, sql::cancelUpdate(remarks, id, gintCompanyID));
         m_done = true;
         accept();
-    } catch (const std::exception&) {
-        // Trapped: the dialog stays open and the entry may not be cancelled.
+    } catch (const std::exception& e) {
+        // Trapped: the dialog stays open and the entry is not cancelled. A failed statement
+        // is reported.
+        if (const auto* failed = dynamic_cast<const db::DbError*>(&e))
+            MsgBox(failed->message(), MsgButtons::Ok, MsgIcon::Information);
     }
 }
 
