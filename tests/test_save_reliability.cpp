@@ -14,6 +14,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSet>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -25,6 +26,7 @@
 #include "SaveScenario.h"
 #include "TestSupport.h"
 #include "db/Database.h"
+#include "entry/EntryRules.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -357,6 +359,122 @@ TEST_F(SaveInterrupted, AnEditEndedAtAnyStatementLeavesTheOldEntryOrTheWholeEdit
         // Before the commit nothing of the edit is there; the refresh comes after it.
         EXPECT_EQ(look.t.dump(), k < statements ? before : edited);
     }
+}
+
+// Waits until the child has written a line equal to `line`; the lines read so far are
+// kept in `seen`.
+bool waitForLine(QProcess& child, const QString& line, QStringList& seen, int timeoutMs = 60000) {
+    QElapsedTimer waited;
+    waited.start();
+    QString partial;
+    while (waited.elapsed() < timeoutMs) {
+        if (seen.contains(line)) return true;
+        if (child.state() == QProcess::NotRunning && child.bytesAvailable() == 0) return false;
+        child.waitForReadyRead(100);
+        partial += QString::fromUtf8(child.readAllStandardOutput());
+        while (partial.contains(QLatin1Char('\n'))) {
+            const qsizetype end = partial.indexOf(QLatin1Char('\n'));
+            seen << partial.left(end);
+            partial.remove(0, end + 1);
+        }
+    }
+    return seen.contains(line);
+}
+
+void touch(const QString& file) {
+    QFile flag(file);
+    EXPECT_TRUE(flag.open(QIODevice::WriteOnly));
+}
+
+TEST_F(SaveInterrupted, ALockHeldByAThirdProcessAtEachStepOfKeyingIsReportedAndNothingHalfMadeSaves) {
+    // Keying a new entry: choosing the employee, Populate, OK. A third process holds the
+    // database's exclusive lock for far longer than the keying process's lock wait while
+    // one of the steps runs: the step fails with the database's message, OK refuses, and
+    // once the lock is gone the step run again gives the same month as without the lock,
+    // saved once.
+    const QStringList keyed = {QStringLiteral("--keyed"), QStringLiteral("--read-wait"),
+                               QStringLiteral("200")};
+    useCopyOf(pristine);
+    int headersBefore = 0;
+    {
+        FileLook look(work);
+        headersBefore = look.t.scalar("select count(*) from pEmployeeAttendence").toInt();
+    }
+    const ChildResult dry = runChild(childArgs() + keyed);
+    ASSERT_EQ(dry.exitCode, 0) << dry.lines.join('\n').toStdString();
+    const QString period = dry.lines.filter(QStringLiteral("period ")).value(0);
+    ASSERT_FALSE(period.isEmpty());
+    EXPECT_TRUE(dry.lines.filter(QStringLiteral("error ")).isEmpty());
+    const QDate from = QDate::fromString(period.section(' ', 1, 1), Qt::ISODate);
+    const QDate to = QDate::fromString(period.section(' ', 2, 2), Qt::ISODate);
+    ASSERT_TRUE(from.isValid() && to.isValid());
+
+    int nothingLost = 0;
+    for (const QString& step : {QStringLiteral("employee"), QStringLiteral("populate"),
+                               QStringLiteral("ok")}) {
+        SCOPED_TRACE(step.toStdString());
+        useCopyOf(pristine);
+        const QString go = dir.filePath(QStringLiteral("go-") + step);
+        const QString released = dir.filePath(QStringLiteral("released-") + step);
+        QProcess clerk;
+        clerk.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        clerk.start(QStringLiteral(QZ2_SAVE_CHILD),
+                    childArgs() + keyed +
+                        QStringList{QStringLiteral("--lock-at"), step, QStringLiteral("--go"), go,
+                                    QStringLiteral("--released"), released});
+        QStringList lines;
+        ASSERT_TRUE(waitForLine(clerk, QStringLiteral("waiting"), lines));
+        QProcess holder;
+        holder.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        holder.start(QStringLiteral(QZ2_SAVE_CHILD),
+                     {QStringLiteral("--db"), work, QStringLiteral("--hold-exclusive"),
+                      QStringLiteral("2500")});
+        QStringList held;
+        ASSERT_TRUE(waitForLine(holder, QStringLiteral("holding"), held));
+        touch(go);
+        ASSERT_TRUE(waitForLine(holder, QStringLiteral("released"), held));
+        holder.waitForFinished(10000);
+        touch(released);
+        ASSERT_TRUE(clerk.waitForFinished(60000));
+        waitForLine(clerk, QStringLiteral("(end)"), lines, 200);
+        EXPECT_EQ(clerk.exitCode(), 0) << lines.join('\n').toStdString();
+
+        // The clerk was told: the database's own message, and OK refused.
+        const QStringList errors = lines.filter(QRegularExpression(QStringLiteral("^error ")));
+        const QStringList refused = lines.filter(QRegularExpression(QStringLiteral("^refused ")));
+        if (step != QLatin1String("ok")) {
+            EXPECT_FALSE(errors.isEmpty());
+        }
+        for (const QString& e : errors)
+            EXPECT_TRUE(e.contains(QLatin1String("locked"))) << e.toStdString();
+        ASSERT_EQ(refused.size(), 1) << lines.join('\n').toStdString();
+        if (step == QLatin1String("ok")) {
+            EXPECT_TRUE(refused.first().contains(QLatin1String("locked")));
+        } else {
+            EXPECT_EQ(refused.first(), QStringLiteral("refused ") + entry::kMsgStepUnfinished);
+        }
+        // The month as without the lock, saved once and whole: a line for every day.
+        EXPECT_EQ(lines.filter(QStringLiteral("period ")).value(0), period);
+        FileLook look(work);
+        EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+        const int headers = look.t.scalar("select count(*) from pEmployeeAttendence").toInt();
+        EXPECT_EQ(headers, headersBefore + 1);
+        const int id = look.t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+        const int detailDays =
+            look.t
+                .scalar(QStringLiteral("select count(distinct eadDate) from pEmpAttendanceDetail "
+                                       "where eadAttendanceID=%1")
+                            .arg(id))
+                .toInt();
+        EXPECT_EQ(detailDays, from.daysTo(to) + 1);
+        if (clerk.exitCode() == 0 && headers == headersBefore + 1 &&
+            detailDays == from.daysTo(to) + 1 &&
+            lines.filter(QStringLiteral("period ")).value(0) == period)
+            ++nothingLost;
+    }
+    std::cout << "[ lock held at choosing, Populate, OK ] runs with nothing lost: " << nothingLost
+              << " of 3\n";
+    EXPECT_EQ(nothingLost, 3);
 }
 
 class SaveConcurrently : public SaveInterrupted {

@@ -237,20 +237,26 @@ void frmEmployeeDailyAttendance::fnPopulate() {
 
         fnBuildDayRows(start, end);
         fnMarkAbsentDays();
-        // The later mark wins on a day that is both a holiday and a leave day.
+        // The later mark wins on a day that is both a holiday and a leave day. A failed
+        // read ends Populate: nothing more is asked of a database that failed (a lock
+        // would make every further statement wait its full time) and nothing is kept.
         if (blnConsiderLeaveHolidays) {
             fnMarkApprovedLeaves(lngEmployeeID, start, end);
+            if (!m_readError.isEmpty()) return;
             fnMarkHolidays(start, end);
         } else {
             fnMarkHolidays(start, end);
+            if (!m_readError.isEmpty()) return;
             fnMarkApprovedLeaves(lngEmployeeID, start, end);
         }
+        if (!m_readError.isEmpty()) return;
         fnMarkRemainingPresent();
         fnCountDayTypes();
 
         fnLayOutScheduledPairs(start, end);
+        if (!m_readError.isEmpty()) return;
         fnCalculateTotalHours();
-        for (int row = 1; row < mfgAttendance->Rows(); ++row) {
+        for (int row = 1; row < mfgAttendance->Rows() && m_readError.isEmpty(); ++row) {
             const std::optional<QDate> day =
                 rules::cellDate(mfgAttendance->TextMatrix(row, colDate));
             if (day) fnCalculateScheduleHours(*day, static_cast<qint16>(row));
@@ -268,6 +274,7 @@ void frmEmployeeDailyAttendance::fnLayOutScheduledPairs(QDate start, QDate end) 
     rules::fnLayOutScheduledPairs(
         *mfgMirrorGrid->flexModel(), *mfgAttendance->flexModel(), start, end,
         dtDateOfJoin.value_or(QDate()), [this](QDate day) -> std::optional<rules::DaySchedule> {
+            if (!m_readError.isEmpty()) return std::nullopt;  // Populate has failed already
             const std::optional<entry::ScheduleLine> line = fnDaySchedule(day);
             if (!line) return std::nullopt;
             return entry::toDaySchedule(*line);
