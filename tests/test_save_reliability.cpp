@@ -477,6 +477,184 @@ TEST_F(SaveInterrupted, ALockHeldByAThirdProcessAtEachStepOfKeyingIsReportedAndN
     EXPECT_EQ(nothingLost, 3);
 }
 
+// Two clerks on one stored entry, in separate processes: each opens it (an edit, or the
+// register's reason dialog) and waits; the test then lets them press OK one after the
+// other in either order, or at the same moment.
+class SaveRaces : public SaveInterrupted {
+protected:
+    struct Clerk {
+        std::unique_ptr<QProcess> process = std::make_unique<QProcess>();
+        QStringList lines;
+        QString go;
+        bool succeeded() const {
+            return process->exitCode() == 0 &&
+                   (!lines.filter(QRegularExpression(QStringLiteral("^saved "))).isEmpty() ||
+                    lines.contains(QStringLiteral("cancelled")));
+        }
+        bool told() const {
+            return !lines.filter(QRegularExpression(QStringLiteral("^error "))).isEmpty();
+        }
+    };
+    void SetUp() override {
+        SaveInterrupted::SetUp();
+        const QString keyed = dir.filePath(QStringLiteral("keyed.sqlite"));
+        useCopyOf(pristine);
+        ASSERT_EQ(runChild(childArgs()).exitCode, 0);
+        ASSERT_TRUE(QFile::copy(work, keyed));
+        FileLook look(keyed);
+        id = look.t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+        number = look.t.scalar(QStringLiteral("select eaNo from pEmployeeAttendence where eaID=%1")
+                                   .arg(id))
+                     .toString();
+        withEntry = keyed;
+    }
+    std::unique_ptr<Clerk> open(const QStringList& what, const QString& go) {
+        auto c = std::make_unique<Clerk>();
+        c->go = go;
+        c->process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        c->process->start(QStringLiteral(QZ2_SAVE_CHILD),
+                          childArgs() + what +
+                              QStringList{QStringLiteral("--wait-before-ok"), go,
+                                          QStringLiteral("--retries"), QStringLiteral("3")});
+        EXPECT_TRUE(waitForLine(*c->process, QStringLiteral("loaded"), c->lines));
+        return c;
+    }
+    void finish(Clerk& c) {
+        EXPECT_TRUE(c.process->waitForFinished(60000));
+        waitForLine(*c.process, QStringLiteral("(end)"), c.lines, 100);
+    }
+    // Order 0: A presses OK first, then B; 1: B first, then A; 2: both at one moment.
+    void race(Clerk& a, Clerk& b, int order) {
+        if (order == 2) {
+            touch(a.go);
+            finish(a);
+            finish(b);
+            return;
+        }
+        Clerk& first = order == 0 ? a : b;
+        Clerk& second = order == 0 ? b : a;
+        touch(first.go);
+        finish(first);
+        touch(second.go);
+        finish(second);
+    }
+    QStringList editArgs() const { return {QStringLiteral("--edit"), QString::number(id)}; }
+    QStringList cancelArgs() const { return {QStringLiteral("--cancel"), QString::number(id)}; }
+    // Entries of the keyed period: live, and cancelled with the reason given.
+    int live(const FileLook& look) const {
+        return look.t
+            .scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaEmpID=%1 and "
+                                   "eaStartDate like '%2%' and eaCancelled=0")
+                        .arg(employee)
+                        .arg(kStart.toString(Qt::ISODate)))
+            .toInt();
+    }
+    int cancelledWithReason(const FileLook& look) const {
+        return look.t
+            .scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaEmpID=%1 and "
+                                   "eaStartDate like '%2%' and eaCancelled=1 and "
+                                   "eaCancelledRemarks like '%:Keyed twice'")
+                        .arg(employee)
+                        .arg(kStart.toString(Qt::ISODate)))
+            .toInt();
+    }
+    int numbered(const FileLook& look) const {
+        return look.t
+            .scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaNo='%1'")
+                        .arg(number))
+            .toInt();
+    }
+    qint32 id = 0;
+    QString number;
+    QString withEntry;
+};
+
+TEST_F(SaveRaces, AnEditAndACancellationOfOneEntryInAnyOrderKeepTheCancellation) {
+    int nothingLost = 0;
+    int runs = 0;
+    for (int order = 0; order < 3; ++order) {
+        for (int round = 0; round < 2; ++round) {
+            SCOPED_TRACE(QStringLiteral("order %1, round %2").arg(order).arg(round).toStdString());
+            ++runs;
+            useCopyOf(withEntry);
+            const QString goA = dir.filePath(QStringLiteral("go-a"));
+            const QString goB = order == 2 ? goA : dir.filePath(QStringLiteral("go-b"));
+            QFile::remove(goA);
+            QFile::remove(goB);
+            auto editor = open(editArgs(), goA);
+            auto canceller = open(cancelArgs(), goB);
+            race(*editor, *canceller, order);
+            FileLook look(work);
+            const QString rows =
+                qz2test::table(look.t, QStringLiteral("select eaID, eaNo, eaCancelled, "
+                                                      "eaCancelledRemarks from "
+                                                      "pEmployeeAttendence where eaEmpID=%1")
+                                           .arg(employee))
+                    .join('|');
+            // The cancellation always stands: pressed after the edit's save it cancels the
+            // saved entry; pressed before the edit's OK, the edit is refused and the clerk
+            // told. Never a live entry of the period after it, never the reason lost.
+            EXPECT_TRUE(canceller->succeeded()) << canceller->lines.join('|').toStdString();
+            if (order == 1) {
+                EXPECT_FALSE(editor->succeeded());
+            }
+            if (!editor->succeeded()) {
+                EXPECT_TRUE(editor->told()) << editor->lines.join('|').toStdString();
+                EXPECT_FALSE(editor->lines.filter(QStringLiteral("was cancelled since you opened it"))
+                                 .isEmpty())
+                    << editor->lines.join('|').toStdString();
+            }
+            EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+            const int stillLive = live(look);
+            const int cancelled = cancelledWithReason(look);
+            EXPECT_EQ(stillLive, 0) << rows.toStdString();
+            EXPECT_EQ(cancelled, 1) << rows.toStdString();
+            EXPECT_EQ(numbered(look), 1) << rows.toStdString();
+            if (canceller->succeeded() && (editor->succeeded() || editor->told()) &&
+                stillLive == 0 && cancelled == 1 && numbered(look) == 1)
+                ++nothingLost;
+        }
+    }
+    std::cout << "[ edit against cancel, 3 orders ] runs with nothing lost: " << nothingLost
+              << " of " << runs << '\n';
+    EXPECT_EQ(nothingLost, runs);
+}
+
+TEST_F(SaveRaces, TwoEditsOfOneEntrySaveExactlyOnce) {
+    int nothingLost = 0;
+    int runs = 0;
+    for (int order = 0; order < 3; ++order) {
+        for (int round = 0; round < 2; ++round) {
+            SCOPED_TRACE(QStringLiteral("order %1, round %2").arg(order).arg(round).toStdString());
+            ++runs;
+            useCopyOf(withEntry);
+            const QString goA = dir.filePath(QStringLiteral("go-a"));
+            const QString goB = order == 2 ? goA : dir.filePath(QStringLiteral("go-b"));
+            QFile::remove(goA);
+            QFile::remove(goB);
+            auto a = open(editArgs(), goA);
+            auto b = open(editArgs(), goB);
+            race(*a, *b, order);
+            EXPECT_NE(a->succeeded(), b->succeeded())
+                << a->lines.join('|').toStdString() << " / " << b->lines.join('|').toStdString();
+            const Clerk& loser = a->succeeded() ? *b : *a;
+            EXPECT_TRUE(loser.told());
+            EXPECT_TRUE(loser.lines.filter(QStringLiteral("since you opened it")).size() > 0)
+                << loser.lines.join('|').toStdString();
+            FileLook look(work);
+            EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+            EXPECT_EQ(live(look), 1);
+            EXPECT_EQ(numbered(look), 1);
+            if (a->succeeded() != b->succeeded() && loser.told() && live(look) == 1 &&
+                numbered(look) == 1)
+                ++nothingLost;
+        }
+    }
+    std::cout << "[ two edits of one entry, 3 orders ] runs with nothing lost: " << nothingLost
+              << " of " << runs << '\n';
+    EXPECT_EQ(nothingLost, runs);
+}
+
 class SaveConcurrently : public SaveInterrupted {
 protected:
     struct Outcome {

@@ -11,6 +11,10 @@
 // With --hold-exclusive MS it is the third process: it takes the database's exclusive lock
 // (BEGIN EXCLUSIVE), reports "holding", keeps it MS milliseconds, lets it go, reports
 // "released" and ends.
+// With --cancel ID it cancels stored entry ID from the register's reason dialog and
+// reports "cancelled", or each message shown as "error <text>". With --wait-before-ok FILE
+// an edit reports "loaded" and presses OK only once FILE exists (and a cancel confirms its
+// reason only then), so that a test can order two clerks' steps.
 // With --keyed the child is a clerk keying a new entry the whole way: choosing the
 // employee, Populate, OK. --lock-at employee|populate|ok names the step that waits for the
 // --go file (the parent takes the lock meanwhile); the child reports every message shown
@@ -24,6 +28,7 @@
 
 #include <QApplication>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QFileInfo>
@@ -34,6 +39,7 @@
 #include <cstdio>
 
 #include "SaveScenario.h"
+#include "register/frmCancel.h"
 #include "db/Database.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "shared/BasAttendence.h"
@@ -241,9 +247,15 @@ int main(int argc, char** argv) {
     const QCommandLineOption readWaitOpt(QStringLiteral("read-wait"),
                                          QStringLiteral("Lock wait of every statement."),
                                          QStringLiteral("ms"));
+    const QCommandLineOption cancelOpt(QStringLiteral("cancel"),
+                                       QStringLiteral("Cancel this stored entry."),
+                                       QStringLiteral("eaID"));
+    const QCommandLineOption waitOkOpt(QStringLiteral("wait-before-ok"),
+                                       QStringLiteral("Press OK once this file exists."),
+                                       QStringLiteral("file"));
     parser.addOptions({dbOpt, empOpt, startOpt, savesOpt, editOpt, exitOpt, countOpt, busyOpt,
                        goOpt, retriesOpt, fsizeOpt, holdOpt, keyedOpt, lockAtOpt, releasedOpt,
-                       readWaitOpt});
+                       readWaitOpt, cancelOpt, waitOkOpt});
     parser.process(app);
     if (parser.isSet(fsizeOpt)) {
         const rlim_t bytes = parser.value(fsizeOpt).toULongLong();
@@ -280,6 +292,25 @@ int main(int argc, char** argv) {
     const int retries = parser.value(retriesOpt).toInt();
     const bool count = parser.isSet(countOpt);
 
+    if (parser.isSet(cancelOpt)) {
+        qz2::FlexGrid registerRows;
+        registerRows.setCols(1);
+        registerRows.setRows(2);
+        registerRows.setTextMatrix(1, 0, parser.value(cancelOpt));
+        registerRows.setCurrentCell(1, 0);
+        qz2::setRegisterGrid(&registerRows);
+        qz2::frmCancel dialog;
+        dialog.txtcanreason->setText(QStringLiteral("Keyed twice"));
+        report(QStringLiteral("loaded"));
+        if (parser.isSet(waitOkOpt)) waitForFile(parser.value(waitOkOpt));
+        qz2::msgbox_testing::clear();
+        dialog.cmdOK_Click();
+        reportShown(QStringLiteral("error"));
+        qz2::setRegisterGrid(nullptr);
+        if (!dialog.cancelled()) return 1;
+        report(QStringLiteral("cancelled"));
+        return 0;
+    }
     if (parser.isSet(editOpt)) {
         // The register's current row names the entry, as when Edit is pressed.
         qz2::FlexGrid registerRows;
@@ -296,6 +327,8 @@ int main(int argc, char** argv) {
             return 2;
         }
         qz2test::applyStandardEdit(form, start);
+        report(QStringLiteral("loaded"));
+        if (parser.isSet(waitOkOpt)) waitForFile(parser.value(waitOkOpt));
         const bool ok = pressOkUntilSaved(form, exitAt, count, retries);
         qz2::setRegisterGrid(nullptr);
         if (!ok) return 1;
