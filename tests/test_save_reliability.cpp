@@ -19,6 +19,7 @@
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <ostream>
@@ -651,6 +652,85 @@ TEST_F(SaveRaces, TwoEditsOfOneEntrySaveExactlyOnce) {
         }
     }
     std::cout << "[ two edits of one entry, 3 orders ] runs with nothing lost: " << nothingLost
+              << " of " << runs << '\n';
+    EXPECT_EQ(nothingLost, runs);
+}
+
+TEST_F(SaveRaces, TwoNewEntriesOfOneEmployeeForOnePeriodSaveExactlyOnce) {
+    // Order 0 and 1: one clerk's OK after the other's; 2: both at one moment (four rounds).
+    int nothingLost = 0;
+    int runs = 0;
+    for (int round = 0; round < 6; ++round) {
+        const int order = std::min(round, 2);
+        SCOPED_TRACE(QStringLiteral("round %1").arg(round).toStdString());
+        ++runs;
+        useCopyOf(pristine);
+        const QString go = dir.filePath(QStringLiteral("go-new"));
+        QFile::remove(go);
+        const QStringList args = {QStringLiteral("--db"),      work,
+                                  QStringLiteral("--employee"), QString::number(employee),
+                                  QStringLiteral("--start"),    QStringLiteral("2027-01-04"),
+                                  QStringLiteral("--retries"),  QStringLiteral("2"),
+                                  QStringLiteral("--go"),       go};
+        QList<std::shared_ptr<QProcess>> clerks;
+        QList<QStringList> said;
+        const auto startClerk = [&] {
+            auto c = std::make_shared<QProcess>();
+            c->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+            c->start(QStringLiteral(QZ2_SAVE_CHILD), args);
+            EXPECT_TRUE(c->waitForStarted(10000));
+            clerks << c;
+        };
+        const auto finishClerk = [&](QProcess& c) {
+            EXPECT_TRUE(c.waitForFinished(60000));
+            said << QString::fromUtf8(c.readAllStandardOutput())
+                        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        };
+        if (order == 2) {
+            startClerk();
+            startClerk();
+            QTest::qWait(300);
+            touch(go);
+            finishClerk(*clerks[0]);
+            finishClerk(*clerks[1]);
+        } else {
+            touch(go);
+            startClerk();
+            finishClerk(*clerks[0]);
+            startClerk();
+            finishClerk(*clerks[1]);
+        }
+        int saved = 0;
+        bool loserTold = false;
+        for (int i = 0; i < 2; ++i) {
+            if (clerks[i]->exitCode() == 0 && !said[i].filter(QStringLiteral("saved ")).isEmpty())
+                ++saved;
+            else
+                loserTold = !said[i].filter(QStringLiteral("error The period overlaps")).isEmpty();
+        }
+        EXPECT_EQ(saved, 1) << said[0].join('|').toStdString() << " / "
+                            << said[1].join('|').toStdString();
+        EXPECT_TRUE(loserTold);
+        FileLook look(work);
+        EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+        const int headers =
+            look.t
+                .scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaEmpID=%1 "
+                                       "and eaStartDate like '2027-01-04%'")
+                            .arg(employee))
+                .toInt();
+        EXPECT_EQ(headers, 1);
+        const int lines =
+            look.t
+                .scalar(QStringLiteral("select count(*) from pEmpAttendanceDetail where "
+                                       "eadAttendanceID in (select eaID from pEmployeeAttendence "
+                                       "where eaEmpID=%1 and eaStartDate like '2027-01-04%')")
+                            .arg(employee))
+                .toInt();
+        EXPECT_EQ(lines, 11);
+        if (saved == 1 && loserTold && headers == 1 && lines == 11) ++nothingLost;
+    }
+    std::cout << "[ two new entries, one period ] runs with nothing lost: " << nothingLost
               << " of " << runs << '\n';
     EXPECT_EQ(nothingLost, runs);
 }
