@@ -16,6 +16,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QSqlQuery>
 #include <iostream>
 #include <memory>
 
@@ -436,3 +437,55 @@ TEST_F(EditReadFaults, EveryStatementOfCancellingFailingIsReportedAndLeavesTheEn
 }
 
 }  // namespace
+
+TEST_F(EditReadFaults, ACancellationWhoseEntryWasSavedAgainMeanwhileSaysSoAndCancelsNothing) {
+    frmCancel dialog;
+    dialog.txtcanreason->setText(QStringLiteral("Keyed twice"));
+    // Between the reads and the update another clerk's edit stores the entry again under a
+    // new identifier.
+    bool moved = false;
+    db::setFaultHook([this, &moved](const QString& sql) {
+        if (!moved && sql.startsWith(QLatin1String("update pEmployeeattendence"))) {
+            moved = true;
+            QSqlQuery(t.db).exec(QStringLiteral("update pEmployeeAttendence set eaID=%1 where eaID=%2")
+                       .arg(id + 100)
+                       .arg(id));
+        }
+        return QString();
+    });
+    dialog.cmdOK_Click();
+    EXPECT_TRUE(moved);
+    db::setFaultHook({});
+    EXPECT_FALSE(dialog.cancelled());
+    EXPECT_NE(dialog.result(), QDialog::Accepted);
+    ASSERT_EQ(msgbox_testing::shown().size(), 1);
+    EXPECT_EQ(msgbox_testing::shown().first().text, entryGoneText(QString::number(id)));
+    EXPECT_EQ(t.scalar(QStringLiteral("select count(*) from pEmployeeAttendence where "
+                                      "eaCancelled=1 and eaID=%1")
+                           .arg(id + 100))
+                  .toInt(),
+              0);
+}
+
+// The form after Populate met a locked database: the message, then nothing half-made.
+TEST(ReadFaultsScreenshot, AfterAFailedPopulate) {
+    const QByteArray dir = qgetenv("QZ2_SCREENSHOT_DIR");
+    if (dir.isEmpty()) GTEST_SKIP() << "set QZ2_SCREENSHOT_DIR to write the picture";
+    TestDb demo(true);
+    msgbox_testing::setAutoAnswer(true);
+    gstrEntryMode = QStringLiteral("N");
+    frmEmployeeDailyAttendance form;
+    form.Form_Load();
+    form.cboEmpname->setCurrentIndex(2);
+    form.show();
+    db::setFaultHook([](const QString& sql) {
+        return sql.contains(QStringLiteral("lrdNoofDays")) ? QStringLiteral("database is locked")
+                                                           : QString();
+    });
+    form.cmdPopulateRecords_Click();
+    db::setFaultHook({});
+    form.cmdOK_Click();
+    msgbox_testing::setAutoAnswer(false);
+    ASSERT_EQ(form.unfinishedStep(), Step::Populate);
+    EXPECT_TRUE(form.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/read-failure.png")));
+}
