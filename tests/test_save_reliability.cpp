@@ -656,6 +656,76 @@ TEST_F(SaveRaces, TwoEditsOfOneEntrySaveExactlyOnce) {
     EXPECT_EQ(nothingLost, runs);
 }
 
+TEST_F(SaveRaces, ALockHeldByAThirdProcessWhileEditingOrCancellingIsReportedAndNothingHalfDone) {
+    // The clerk has the entry open (an edit, or the reason dialog); a third process takes the
+    // exclusive lock and keeps it far longer than the clerk's lock wait; the clerk presses
+    // OK meanwhile. The clerk is told the database's message and nothing is written; pressed
+    // again once the lock is gone, the edit or the cancellation goes through, once.
+    int nothingLost = 0;
+    for (const bool cancelling : {false, true}) {
+        SCOPED_TRACE(cancelling ? "cancelling" : "editing");
+        useCopyOf(withEntry);
+        QString before;
+        {
+            FileLook look(work);
+            before = look.t.dump();
+        }
+        const QString go = dir.filePath(cancelling ? QStringLiteral("go-c") : QStringLiteral("go-e"));
+        QFile::remove(go);
+        Clerk clerk;
+        clerk.go = go;
+        clerk.process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        clerk.process->start(QStringLiteral(QZ2_SAVE_CHILD),
+                             childArgs() + (cancelling ? cancelArgs() : editArgs()) +
+                                 QStringList{QStringLiteral("--wait-before-ok"), go,
+                                             QStringLiteral("--read-wait"), QStringLiteral("200"),
+                                             QStringLiteral("--retries"), QStringLiteral("0")});
+        ASSERT_TRUE(waitForLine(*clerk.process, QStringLiteral("loaded"), clerk.lines));
+        QProcess holder;
+        holder.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        holder.start(QStringLiteral(QZ2_SAVE_CHILD),
+                     {QStringLiteral("--db"), work, QStringLiteral("--hold-exclusive"),
+                      QStringLiteral("2500")});
+        QStringList held;
+        ASSERT_TRUE(waitForLine(holder, QStringLiteral("holding"), held));
+        touch(go);
+        finish(clerk);
+        const QStringList errors =
+            clerk.lines.filter(QRegularExpression(QStringLiteral("^error ")));
+        EXPECT_FALSE(clerk.succeeded()) << clerk.lines.join('|').toStdString();
+        EXPECT_FALSE(errors.isEmpty()) << clerk.lines.join('|').toStdString();
+        for (const QString& e : errors)
+            EXPECT_TRUE(e.contains(QLatin1String("locked"))) << e.toStdString();
+        ASSERT_TRUE(waitForLine(holder, QStringLiteral("released"), held));
+        holder.waitForFinished(10000);
+        bool untouched = false;
+        {
+            FileLook look(work);
+            EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+            untouched = look.t.dump() == before;
+            EXPECT_TRUE(untouched);
+        }
+        // Pressed again, the lock gone.
+        const ChildResult again =
+            runChild(childArgs() + (cancelling ? cancelArgs() : editArgs()) +
+                     QStringList{QStringLiteral("--retries"), QStringLiteral("0")});
+        EXPECT_EQ(again.exitCode, 0) << again.lines.join('|').toStdString();
+        FileLook look(work);
+        const int stillLive = live(look);
+        const int cancelled = cancelledWithReason(look);
+        EXPECT_EQ(stillLive, cancelling ? 0 : 1);
+        EXPECT_EQ(cancelled, cancelling ? 1 : 0);
+        EXPECT_EQ(numbered(look), 1);
+        if (untouched && !errors.isEmpty() && again.exitCode == 0 &&
+            stillLive == (cancelling ? 0 : 1) && cancelled == (cancelling ? 1 : 0) &&
+            numbered(look) == 1)
+            ++nothingLost;
+    }
+    std::cout << "[ lock held at editing and cancelling ] runs with nothing lost: " << nothingLost
+              << " of 2\n";
+    EXPECT_EQ(nothingLost, 2);
+}
+
 TEST_F(SaveRaces, TwoNewEntriesOfOneEmployeeForOnePeriodSaveExactlyOnce) {
     // Order 0 and 1: one clerk's OK after the other's; 2: both at one moment (four rounds).
     int nothingLost = 0;
