@@ -326,7 +326,7 @@ TEST_F(EntryEdit, LoadingRunsTheFourEntryStatementsInOrder) {
         << ran.value(header + 1).toStdString();
 }
 
-TEST_F(EntryEdit, AFailingStatementEndsLoadingAndTheFormIsNotShown) {
+TEST_F(EntryEdit, AFailingStatementEndsLoadingWithItsMessageAndTheFormIsNotShown) {
     const qint32 id = saveScenario(qz2test::demoScenario(employee, kStart));
     pointRegisterAt(id);
     db::setFaultHook([](const QString& sql) {
@@ -336,9 +336,11 @@ TEST_F(EntryEdit, AFailingStatementEndsLoadingAndTheFormIsNotShown) {
     bool ok = true;
     load(id, false, &ok);
     EXPECT_FALSE(ok);
-    EXPECT_TRUE(msgbox_testing::shown().isEmpty());
+    // The clerk is told why, once, in the database's words.
+    ASSERT_EQ(msgbox_testing::shown().size(), 1);
+    EXPECT_EQ(msgbox_testing::shown().first().text, QStringLiteral("injected"));
 
-    // Through the launcher: no form appears at all.
+    // Through the launcher: the message, and no form at all.
     QStringList appeared;
     QTimer watch;
     watch.setInterval(5);
@@ -349,11 +351,15 @@ TEST_F(EntryEdit, AFailingStatementEndsLoadingAndTheFormIsNotShown) {
         }
     });
     watch.start();
+    msgbox_testing::clear();
     entry::openEntryForEdit(nullptr, QString::number(id), false);
     QTest::qWait(50);
     watch.stop();
     db::setFaultHook({});
+    appeared.removeAll(QStringLiteral("MsgBox"));
     EXPECT_TRUE(appeared.isEmpty()) << appeared.join(',').toStdString();
+    ASSERT_EQ(msgbox_testing::shown().size(), 1);
+    EXPECT_EQ(msgbox_testing::shown().first().text, QStringLiteral("injected"));
 }
 
 // ---------------------------------------------------------------------------------------

@@ -400,12 +400,17 @@ TEST_F(PeriodFixture, TheOverlapCheckReportsDatabaseErrorsToItsCaller) {
                  std::exception);
 }
 
-TEST_F(PeriodFixture, AFailingStatementEndsTheHandlerQuietly) {
+TEST_F(PeriodFixture, AFailingStatementIsReportedOnceAndTheEntryCannotBeSaved) {
     load();
     t.exec("drop view vwPaymonthvsdate");
     choose(2);
     EXPECT_EQ(form.lngEmployeeID, 2);
-    EXPECT_TRUE(shownTexts().isEmpty());
+    // The database's own message, once; nothing of the half-made choice is left to save.
+    ASSERT_EQ(shownTexts().size(), 1);
+    EXPECT_TRUE(shownTexts().first().contains(QStringLiteral("vwPaymonthvsdate")))
+        << shownTexts().first().toStdString();
+    EXPECT_EQ(form.unfinishedStep(), frmEmployeeDailyAttendance::Step::Employee);
+    EXPECT_EQ(form.lstAbsentDays->count(), 0);
     EXPECT_EQ(form.txtStartDate->text(), QStringLiteral("16/11/2026"));  // Anna's period stays
 }
 

@@ -766,20 +766,28 @@ TEST_F(PopulateFixture, RecomputingAfterATimeEditAsksNothing) {
     EXPECT_EQ(form.txtAllowanceDeductions->text(), QStringLiteral("00.20"));
 }
 
-TEST_F(PopulateFixture, AFailingStatementLeavesWhatWasLaidDown) {
+TEST_F(PopulateFixture, AFailingStatementIsReportedAndLeavesNoHalfMadeMonth) {
     annasLeaves();
     load();
-    // The leave register cannot be read: the days are still laid out, without leaves.
+    // The leave register cannot be read: leave days must not be laid out as worked days.
     db::setFaultHook([](const QString& sql) {
         return sql.contains(QStringLiteral("lrdNoofDays")) ? QStringLiteral("no access")
                                                            : QString();
     });
     populate();
     db::setFaultHook({});
+    ASSERT_EQ(msgbox_testing::shown().size(), 1);
+    EXPECT_EQ(msgbox_testing::shown().first().text, QStringLiteral("no access"));
+    EXPECT_TRUE(days().isEmpty());
+    EXPECT_EQ(counts(), QStringLiteral("//"));
+    EXPECT_EQ(form.unfinishedStep(), frmEmployeeDailyAttendance::Step::Populate);
+    // Populate again, the register readable: the month with its leaves.
+    msgbox_testing::clear();
+    populate();
     EXPECT_TRUE(msgbox_testing::shown().isEmpty());
-    EXPECT_EQ(days()[0], QStringLiteral("01/12/2026 P 08:00 08:00 00:00"));
-    EXPECT_EQ(days()[7], QStringLiteral("08/12/2026 H 00:00 00:00 00:00"));
-    EXPECT_EQ(counts(), QStringLiteral("31/0/0"));
+    EXPECT_EQ(form.unfinishedStep(), frmEmployeeDailyAttendance::Step::None);
+    EXPECT_EQ(days()[24], QStringLiteral("25/12/2026 L 06:00 06:00 00:00"));
+    EXPECT_EQ(counts(), QStringLiteral("23.5/7.5/0"));
 }
 
 // ---- Screenshot ---------------------------------------------------------------------

@@ -421,17 +421,21 @@ TEST_F(RegisterCancel, EscInTheReasonDialogLeavesTheDatabaseAndTheRowAsTheyWere)
     expectFiveStillLive(before);
 }
 
-TEST_F(RegisterCancel, AnUpdateThatFailsLeavesTheRowAsTheDatabaseHoldsIt) {
+TEST_F(RegisterCancel, AnUpdateThatFailsIsReportedAndLeavesTheRowAsTheDatabaseHoldsIt) {
     const QString before = db.dump();
+    QString failure;
     cancelFive([&](qz2::frmCancel* dlg) {
         qz2::db::setFaultHook([](const QString& sql) {
             return sql.startsWith(QLatin1String("update pEmployeeattendence")) ? QStringLiteral("disk full")
                                                                                 : QString();
         });
+        // The clerk is told, not left in silence.
+        qz2test::answerNextMessageBox(QMessageBox::Ok, &failure);
         typeAndConfirm(dlg, QStringLiteral("Duplicate"));
         qz2::db::setFaultHook({});
         dlg->close();  // the update failed, the clerk gives up
     });
+    EXPECT_EQ(failure, QStringLiteral("disk full"));
     expectFiveStillLive(before);
 }
 

@@ -14,10 +14,12 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QSet>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
+#include <algorithm>
 #include <iostream>
 #include <memory>
 #include <ostream>
@@ -25,6 +27,7 @@
 #include "SaveScenario.h"
 #include "TestSupport.h"
 #include "db/Database.h"
+#include "entry/EntryRules.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -357,6 +360,449 @@ TEST_F(SaveInterrupted, AnEditEndedAtAnyStatementLeavesTheOldEntryOrTheWholeEdit
         // Before the commit nothing of the edit is there; the refresh comes after it.
         EXPECT_EQ(look.t.dump(), k < statements ? before : edited);
     }
+}
+
+// Waits until the child has written a line equal to `line`; the lines read so far are
+// kept in `seen`.
+bool waitForLine(QProcess& child, const QString& line, QStringList& seen, int timeoutMs = 60000) {
+    QElapsedTimer waited;
+    waited.start();
+    QString partial;
+    while (waited.elapsed() < timeoutMs) {
+        if (seen.contains(line)) return true;
+        if (child.state() == QProcess::NotRunning && child.bytesAvailable() == 0) return false;
+        child.waitForReadyRead(100);
+        partial += QString::fromUtf8(child.readAllStandardOutput());
+        while (partial.contains(QLatin1Char('\n'))) {
+            const qsizetype end = partial.indexOf(QLatin1Char('\n'));
+            seen << partial.left(end);
+            partial.remove(0, end + 1);
+        }
+    }
+    return seen.contains(line);
+}
+
+void touch(const QString& file) {
+    QFile flag(file);
+    EXPECT_TRUE(flag.open(QIODevice::WriteOnly));
+}
+
+TEST_F(SaveInterrupted, ALockHeldByAThirdProcessAtEachStepOfKeyingIsReportedAndNothingHalfMadeSaves) {
+    // Keying a new entry: choosing the employee, Populate, OK. A third process holds the
+    // database's exclusive lock for far longer than the keying process's lock wait while
+    // one of the steps runs: the step fails with the database's message, OK refuses, and
+    // once the lock is gone the step run again gives the same month as without the lock,
+    // saved once.
+    const QStringList keyed = {QStringLiteral("--keyed"), QStringLiteral("--read-wait"),
+                               QStringLiteral("200")};
+    useCopyOf(pristine);
+    int headersBefore = 0;
+    {
+        FileLook look(work);
+        headersBefore = look.t.scalar("select count(*) from pEmployeeAttendence").toInt();
+    }
+    const ChildResult dry = runChild(childArgs() + keyed);
+    ASSERT_EQ(dry.exitCode, 0) << dry.lines.join('\n').toStdString();
+    const QString period = dry.lines.filter(QStringLiteral("period ")).value(0);
+    ASSERT_FALSE(period.isEmpty());
+    EXPECT_TRUE(dry.lines.filter(QStringLiteral("error ")).isEmpty());
+    const QDate from = QDate::fromString(period.section(' ', 1, 1), Qt::ISODate);
+    const QDate to = QDate::fromString(period.section(' ', 2, 2), Qt::ISODate);
+    ASSERT_TRUE(from.isValid() && to.isValid());
+
+    int nothingLost = 0;
+    for (const QString& step : {QStringLiteral("employee"), QStringLiteral("populate"),
+                               QStringLiteral("ok")}) {
+        SCOPED_TRACE(step.toStdString());
+        useCopyOf(pristine);
+        const QString go = dir.filePath(QStringLiteral("go-") + step);
+        const QString released = dir.filePath(QStringLiteral("released-") + step);
+        QProcess clerk;
+        clerk.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        clerk.start(QStringLiteral(QZ2_SAVE_CHILD),
+                    childArgs() + keyed +
+                        QStringList{QStringLiteral("--lock-at"), step, QStringLiteral("--go"), go,
+                                    QStringLiteral("--released"), released});
+        QStringList lines;
+        ASSERT_TRUE(waitForLine(clerk, QStringLiteral("waiting"), lines));
+        QProcess holder;
+        holder.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        holder.start(QStringLiteral(QZ2_SAVE_CHILD),
+                     {QStringLiteral("--db"), work, QStringLiteral("--hold-exclusive"),
+                      QStringLiteral("2500")});
+        QStringList held;
+        ASSERT_TRUE(waitForLine(holder, QStringLiteral("holding"), held));
+        touch(go);
+        ASSERT_TRUE(waitForLine(holder, QStringLiteral("released"), held));
+        holder.waitForFinished(10000);
+        touch(released);
+        ASSERT_TRUE(clerk.waitForFinished(60000));
+        waitForLine(clerk, QStringLiteral("(end)"), lines, 200);
+        EXPECT_EQ(clerk.exitCode(), 0) << lines.join('\n').toStdString();
+
+        // The clerk was told: the database's own message, and OK refused.
+        const QStringList errors = lines.filter(QRegularExpression(QStringLiteral("^error ")));
+        const QStringList refused = lines.filter(QRegularExpression(QStringLiteral("^refused ")));
+        if (step != QLatin1String("ok")) {
+            EXPECT_FALSE(errors.isEmpty());
+        }
+        for (const QString& e : errors)
+            EXPECT_TRUE(e.contains(QLatin1String("locked"))) << e.toStdString();
+        ASSERT_EQ(refused.size(), 1) << lines.join('\n').toStdString();
+        if (step == QLatin1String("ok")) {
+            EXPECT_TRUE(refused.first().contains(QLatin1String("locked")));
+        } else {
+            EXPECT_EQ(refused.first(), QStringLiteral("refused ") + entry::kMsgStepUnfinished);
+        }
+        // The month as without the lock, saved once and whole: a line for every day.
+        EXPECT_EQ(lines.filter(QStringLiteral("period ")).value(0), period);
+        FileLook look(work);
+        EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+        const int headers = look.t.scalar("select count(*) from pEmployeeAttendence").toInt();
+        EXPECT_EQ(headers, headersBefore + 1);
+        const int id = look.t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+        const int detailDays =
+            look.t
+                .scalar(QStringLiteral("select count(distinct eadDate) from pEmpAttendanceDetail "
+                                       "where eadAttendanceID=%1")
+                            .arg(id))
+                .toInt();
+        EXPECT_EQ(detailDays, from.daysTo(to) + 1);
+        if (clerk.exitCode() == 0 && headers == headersBefore + 1 &&
+            detailDays == from.daysTo(to) + 1 &&
+            lines.filter(QStringLiteral("period ")).value(0) == period)
+            ++nothingLost;
+    }
+    std::cout << "[ lock held at choosing, Populate, OK ] runs with nothing lost: " << nothingLost
+              << " of 3\n";
+    EXPECT_EQ(nothingLost, 3);
+}
+
+// Two clerks on one stored entry, in separate processes: each opens it (an edit, or the
+// register's reason dialog) and waits; the test then lets them press OK one after the
+// other in either order, or at the same moment.
+class SaveRaces : public SaveInterrupted {
+protected:
+    struct Clerk {
+        std::unique_ptr<QProcess> process = std::make_unique<QProcess>();
+        QStringList lines;
+        QString go;
+        bool succeeded() const {
+            return process->exitCode() == 0 &&
+                   (!lines.filter(QRegularExpression(QStringLiteral("^saved "))).isEmpty() ||
+                    lines.contains(QStringLiteral("cancelled")));
+        }
+        bool told() const {
+            return !lines.filter(QRegularExpression(QStringLiteral("^error "))).isEmpty();
+        }
+    };
+    void SetUp() override {
+        SaveInterrupted::SetUp();
+        const QString keyed = dir.filePath(QStringLiteral("keyed.sqlite"));
+        useCopyOf(pristine);
+        ASSERT_EQ(runChild(childArgs()).exitCode, 0);
+        ASSERT_TRUE(QFile::copy(work, keyed));
+        FileLook look(keyed);
+        id = look.t.scalar("select max(eaID) from pEmployeeAttendence").toInt();
+        number = look.t.scalar(QStringLiteral("select eaNo from pEmployeeAttendence where eaID=%1")
+                                   .arg(id))
+                     .toString();
+        withEntry = keyed;
+    }
+    std::unique_ptr<Clerk> open(const QStringList& what, const QString& go) {
+        auto c = std::make_unique<Clerk>();
+        c->go = go;
+        c->process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        c->process->start(QStringLiteral(QZ2_SAVE_CHILD),
+                          childArgs() + what +
+                              QStringList{QStringLiteral("--wait-before-ok"), go,
+                                          QStringLiteral("--retries"), QStringLiteral("3")});
+        EXPECT_TRUE(waitForLine(*c->process, QStringLiteral("loaded"), c->lines));
+        return c;
+    }
+    void finish(Clerk& c) {
+        EXPECT_TRUE(c.process->waitForFinished(60000));
+        waitForLine(*c.process, QStringLiteral("(end)"), c.lines, 100);
+    }
+    // Order 0: A presses OK first, then B; 1: B first, then A; 2: both at one moment.
+    void race(Clerk& a, Clerk& b, int order) {
+        if (order == 2) {
+            touch(a.go);
+            finish(a);
+            finish(b);
+            return;
+        }
+        Clerk& first = order == 0 ? a : b;
+        Clerk& second = order == 0 ? b : a;
+        touch(first.go);
+        finish(first);
+        touch(second.go);
+        finish(second);
+    }
+    QStringList editArgs() const { return {QStringLiteral("--edit"), QString::number(id)}; }
+    QStringList cancelArgs() const { return {QStringLiteral("--cancel"), QString::number(id)}; }
+    // Entries of the keyed period: live, and cancelled with the reason given.
+    int live(const FileLook& look) const {
+        return look.t
+            .scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaEmpID=%1 and "
+                                   "eaStartDate like '%2%' and eaCancelled=0")
+                        .arg(employee)
+                        .arg(kStart.toString(Qt::ISODate)))
+            .toInt();
+    }
+    int cancelledWithReason(const FileLook& look) const {
+        return look.t
+            .scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaEmpID=%1 and "
+                                   "eaStartDate like '%2%' and eaCancelled=1 and "
+                                   "eaCancelledRemarks like '%:Keyed twice'")
+                        .arg(employee)
+                        .arg(kStart.toString(Qt::ISODate)))
+            .toInt();
+    }
+    int numbered(const FileLook& look) const {
+        return look.t
+            .scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaNo='%1'")
+                        .arg(number))
+            .toInt();
+    }
+    qint32 id = 0;
+    QString number;
+    QString withEntry;
+};
+
+TEST_F(SaveRaces, AnEditAndACancellationOfOneEntryInAnyOrderKeepTheCancellation) {
+    int nothingLost = 0;
+    int runs = 0;
+    for (int order = 0; order < 3; ++order) {
+        for (int round = 0; round < 2; ++round) {
+            SCOPED_TRACE(QStringLiteral("order %1, round %2").arg(order).arg(round).toStdString());
+            ++runs;
+            useCopyOf(withEntry);
+            const QString goA = dir.filePath(QStringLiteral("go-a"));
+            const QString goB = order == 2 ? goA : dir.filePath(QStringLiteral("go-b"));
+            QFile::remove(goA);
+            QFile::remove(goB);
+            auto editor = open(editArgs(), goA);
+            auto canceller = open(cancelArgs(), goB);
+            race(*editor, *canceller, order);
+            FileLook look(work);
+            const QString rows =
+                qz2test::table(look.t, QStringLiteral("select eaID, eaNo, eaCancelled, "
+                                                      "eaCancelledRemarks from "
+                                                      "pEmployeeAttendence where eaEmpID=%1")
+                                           .arg(employee))
+                    .join('|');
+            // The cancellation always stands: pressed after the edit's save it cancels the
+            // saved entry; pressed before the edit's OK, the edit is refused and the clerk
+            // told. Never a live entry of the period after it, never the reason lost.
+            EXPECT_TRUE(canceller->succeeded()) << canceller->lines.join('|').toStdString();
+            if (order == 1) {
+                EXPECT_FALSE(editor->succeeded());
+            }
+            if (!editor->succeeded()) {
+                EXPECT_TRUE(editor->told()) << editor->lines.join('|').toStdString();
+                EXPECT_FALSE(editor->lines.filter(QStringLiteral("was cancelled since you opened it"))
+                                 .isEmpty())
+                    << editor->lines.join('|').toStdString();
+            }
+            EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+            const int stillLive = live(look);
+            const int cancelled = cancelledWithReason(look);
+            EXPECT_EQ(stillLive, 0) << rows.toStdString();
+            EXPECT_EQ(cancelled, 1) << rows.toStdString();
+            EXPECT_EQ(numbered(look), 1) << rows.toStdString();
+            if (canceller->succeeded() && (editor->succeeded() || editor->told()) &&
+                stillLive == 0 && cancelled == 1 && numbered(look) == 1)
+                ++nothingLost;
+        }
+    }
+    std::cout << "[ edit against cancel, 3 orders ] runs with nothing lost: " << nothingLost
+              << " of " << runs << '\n';
+    EXPECT_EQ(nothingLost, runs);
+}
+
+TEST_F(SaveRaces, TwoEditsOfOneEntrySaveExactlyOnce) {
+    int nothingLost = 0;
+    int runs = 0;
+    for (int order = 0; order < 3; ++order) {
+        for (int round = 0; round < 2; ++round) {
+            SCOPED_TRACE(QStringLiteral("order %1, round %2").arg(order).arg(round).toStdString());
+            ++runs;
+            useCopyOf(withEntry);
+            const QString goA = dir.filePath(QStringLiteral("go-a"));
+            const QString goB = order == 2 ? goA : dir.filePath(QStringLiteral("go-b"));
+            QFile::remove(goA);
+            QFile::remove(goB);
+            auto a = open(editArgs(), goA);
+            auto b = open(editArgs(), goB);
+            race(*a, *b, order);
+            EXPECT_NE(a->succeeded(), b->succeeded())
+                << a->lines.join('|').toStdString() << " / " << b->lines.join('|').toStdString();
+            const Clerk& loser = a->succeeded() ? *b : *a;
+            EXPECT_TRUE(loser.told());
+            EXPECT_TRUE(loser.lines.filter(QStringLiteral("since you opened it")).size() > 0)
+                << loser.lines.join('|').toStdString();
+            FileLook look(work);
+            EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+            EXPECT_EQ(live(look), 1);
+            EXPECT_EQ(numbered(look), 1);
+            if (a->succeeded() != b->succeeded() && loser.told() && live(look) == 1 &&
+                numbered(look) == 1)
+                ++nothingLost;
+        }
+    }
+    std::cout << "[ two edits of one entry, 3 orders ] runs with nothing lost: " << nothingLost
+              << " of " << runs << '\n';
+    EXPECT_EQ(nothingLost, runs);
+}
+
+TEST_F(SaveRaces, ALockHeldByAThirdProcessWhileEditingOrCancellingIsReportedAndNothingHalfDone) {
+    // The clerk has the entry open (an edit, or the reason dialog); a third process takes the
+    // exclusive lock and keeps it far longer than the clerk's lock wait; the clerk presses
+    // OK meanwhile. The clerk is told the database's message and nothing is written; pressed
+    // again once the lock is gone, the edit or the cancellation goes through, once.
+    int nothingLost = 0;
+    for (const bool cancelling : {false, true}) {
+        SCOPED_TRACE(cancelling ? "cancelling" : "editing");
+        useCopyOf(withEntry);
+        QString before;
+        {
+            FileLook look(work);
+            before = look.t.dump();
+        }
+        const QString go = dir.filePath(cancelling ? QStringLiteral("go-c") : QStringLiteral("go-e"));
+        QFile::remove(go);
+        Clerk clerk;
+        clerk.go = go;
+        clerk.process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        clerk.process->start(QStringLiteral(QZ2_SAVE_CHILD),
+                             childArgs() + (cancelling ? cancelArgs() : editArgs()) +
+                                 QStringList{QStringLiteral("--wait-before-ok"), go,
+                                             QStringLiteral("--read-wait"), QStringLiteral("200"),
+                                             QStringLiteral("--retries"), QStringLiteral("0")});
+        ASSERT_TRUE(waitForLine(*clerk.process, QStringLiteral("loaded"), clerk.lines));
+        QProcess holder;
+        holder.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        holder.start(QStringLiteral(QZ2_SAVE_CHILD),
+                     {QStringLiteral("--db"), work, QStringLiteral("--hold-exclusive"),
+                      QStringLiteral("2500")});
+        QStringList held;
+        ASSERT_TRUE(waitForLine(holder, QStringLiteral("holding"), held));
+        touch(go);
+        finish(clerk);
+        const QStringList errors =
+            clerk.lines.filter(QRegularExpression(QStringLiteral("^error ")));
+        EXPECT_FALSE(clerk.succeeded()) << clerk.lines.join('|').toStdString();
+        EXPECT_FALSE(errors.isEmpty()) << clerk.lines.join('|').toStdString();
+        for (const QString& e : errors)
+            EXPECT_TRUE(e.contains(QLatin1String("locked"))) << e.toStdString();
+        ASSERT_TRUE(waitForLine(holder, QStringLiteral("released"), held));
+        holder.waitForFinished(10000);
+        bool untouched = false;
+        {
+            FileLook look(work);
+            EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+            untouched = look.t.dump() == before;
+            EXPECT_TRUE(untouched);
+        }
+        // Pressed again, the lock gone.
+        const ChildResult again =
+            runChild(childArgs() + (cancelling ? cancelArgs() : editArgs()) +
+                     QStringList{QStringLiteral("--retries"), QStringLiteral("0")});
+        EXPECT_EQ(again.exitCode, 0) << again.lines.join('|').toStdString();
+        FileLook look(work);
+        const int stillLive = live(look);
+        const int cancelled = cancelledWithReason(look);
+        EXPECT_EQ(stillLive, cancelling ? 0 : 1);
+        EXPECT_EQ(cancelled, cancelling ? 1 : 0);
+        EXPECT_EQ(numbered(look), 1);
+        if (untouched && !errors.isEmpty() && again.exitCode == 0 &&
+            stillLive == (cancelling ? 0 : 1) && cancelled == (cancelling ? 1 : 0) &&
+            numbered(look) == 1)
+            ++nothingLost;
+    }
+    std::cout << "[ lock held at editing and cancelling ] runs with nothing lost: " << nothingLost
+              << " of 2\n";
+    EXPECT_EQ(nothingLost, 2);
+}
+
+TEST_F(SaveRaces, TwoNewEntriesOfOneEmployeeForOnePeriodSaveExactlyOnce) {
+    // Order 0 and 1: one clerk's OK after the other's; 2: both at one moment (four rounds).
+    int nothingLost = 0;
+    int runs = 0;
+    for (int round = 0; round < 6; ++round) {
+        const int order = std::min(round, 2);
+        SCOPED_TRACE(QStringLiteral("round %1").arg(round).toStdString());
+        ++runs;
+        useCopyOf(pristine);
+        const QString go = dir.filePath(QStringLiteral("go-new"));
+        QFile::remove(go);
+        const QStringList args = {QStringLiteral("--db"),      work,
+                                  QStringLiteral("--employee"), QString::number(employee),
+                                  QStringLiteral("--start"),    QStringLiteral("2027-01-04"),
+                                  QStringLiteral("--retries"),  QStringLiteral("2"),
+                                  QStringLiteral("--go"),       go};
+        QList<std::shared_ptr<QProcess>> clerks;
+        QList<QStringList> said;
+        const auto startClerk = [&] {
+            auto c = std::make_shared<QProcess>();
+            c->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+            c->start(QStringLiteral(QZ2_SAVE_CHILD), args);
+            EXPECT_TRUE(c->waitForStarted(10000));
+            clerks << c;
+        };
+        const auto finishClerk = [&](QProcess& c) {
+            EXPECT_TRUE(c.waitForFinished(60000));
+            said << QString::fromUtf8(c.readAllStandardOutput())
+                        .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        };
+        if (order == 2) {
+            startClerk();
+            startClerk();
+            QTest::qWait(300);
+            touch(go);
+            finishClerk(*clerks[0]);
+            finishClerk(*clerks[1]);
+        } else {
+            touch(go);
+            startClerk();
+            finishClerk(*clerks[0]);
+            startClerk();
+            finishClerk(*clerks[1]);
+        }
+        int saved = 0;
+        bool loserTold = false;
+        for (int i = 0; i < 2; ++i) {
+            if (clerks[i]->exitCode() == 0 && !said[i].filter(QStringLiteral("saved ")).isEmpty())
+                ++saved;
+            else
+                loserTold = !said[i].filter(QStringLiteral("error The period overlaps")).isEmpty();
+        }
+        EXPECT_EQ(saved, 1) << said[0].join('|').toStdString() << " / "
+                            << said[1].join('|').toStdString();
+        EXPECT_TRUE(loserTold);
+        FileLook look(work);
+        EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+        const int headers =
+            look.t
+                .scalar(QStringLiteral("select count(*) from pEmployeeAttendence where eaEmpID=%1 "
+                                       "and eaStartDate like '2027-01-04%'")
+                            .arg(employee))
+                .toInt();
+        EXPECT_EQ(headers, 1);
+        const int lines =
+            look.t
+                .scalar(QStringLiteral("select count(*) from pEmpAttendanceDetail where "
+                                       "eadAttendanceID in (select eaID from pEmployeeAttendence "
+                                       "where eaEmpID=%1 and eaStartDate like '2027-01-04%')")
+                            .arg(employee))
+                .toInt();
+        EXPECT_EQ(lines, 11);
+        if (saved == 1 && loserTold && headers == 1 && lines == 11) ++nothingLost;
+    }
+    std::cout << "[ two new entries, one period ] runs with nothing lost: " << nothingLost
+              << " of " << runs << '\n';
+    EXPECT_EQ(nothingLost, runs);
 }
 
 class SaveConcurrently : public SaveInterrupted {

@@ -234,6 +234,15 @@ QString dbmsName(const QSqlDatabase& db) {
     return {};
 }
 
+int lockWaitMs() {
+    static const int wait = [] {
+        bool ok = false;
+        const int fromEnv = qEnvironmentVariableIntValue("QZ2_LOCK_WAIT_MS", &ok);
+        return ok && fromEnv >= 0 && fromEnv <= 600000 ? fromEnv : 10000;
+    }();
+    return wait;
+}
+
 qint64 statementCount() { return g_statements.load(); }
 
 void setFaultHook(FaultHook hook) { g_faultHook = std::move(hook); }

@@ -108,6 +108,12 @@ private:
     bool m_manual = false;  // BEGIN/COMMIT sent as statements rather than through the driver
 };
 
+// How long, in milliseconds, a save waits for another writer of the same database before
+// it gives up with the database's own "locked" message. 10000 unless the environment
+// variable QZ2_LOCK_WAIT_MS gives another whole number of milliseconds (0 to 600000),
+// read once. The one place the module's busy timeout is set.
+int lockWaitMs();
+
 // Number of statements executed since the process started (queries, commands, and each
 // execution of a prepared command). Transaction control is not counted.
 qint64 statementCount();

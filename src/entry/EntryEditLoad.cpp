@@ -11,6 +11,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <exception>
+#include <utility>
 
 #include "commonmodule/CommonModule.h"
 #include "db/Database.h"
@@ -22,6 +23,7 @@
 #include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
 #include "shared/SharedServices.h"
 
 namespace qz2 {
@@ -51,6 +53,7 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
     bool viewOnly = false;
     std::optional<QDate> periodStart;
     std::optional<QDate> periodEnd;
+    m_readError.clear();
     try {
         const db::Recordset header =
             db::openRecordset(gadocon, entry::savesql::headerQuery(dialect(), gintCompanyID, id));
@@ -69,6 +72,8 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
             // Selecting the employee runs the employee box's own handler (department,
             // schedule conditions, cleared grids), as the clerk's choice would.
             commonGen()->SelectComboItemByValue(cboEmpname, employee);
+            // Its failure was reported there; an entry read half is not shown.
+            if (m_unfinished == Step::Employee) return false;
 
             const std::optional<QDate> start =
                 storedDate(header.field(QStringLiteral("eaStartDate")));
@@ -168,8 +173,15 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
                 lstAbsentDays->item(i)->setCheckState(Qt::Checked);
 
         lngAttendanceID = id.trimmed().toInt();
-    } catch (const std::exception&) {
-        // Trapped: the form is not shown.
+    } catch (const std::exception& e) {
+        // Trapped: the form is not shown. A failed statement is reported.
+        fnNoteReadFailure(e);
+        if (!m_readError.isEmpty()) MsgBox(std::exchange(m_readError, QString()), MsgButtons::Ok, MsgIcon::Information);
+        return false;
+    }
+    // A read trapped on the way (the absent days, a schedule) leaves the entry half shown.
+    if (!m_readError.isEmpty()) {
+        MsgBox(std::exchange(m_readError, QString()), MsgButtons::Ok, MsgIcon::Information);
         return false;
     }
     if (cancelled) cmdOK->setEnabled(false);

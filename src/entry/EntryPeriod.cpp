@@ -11,6 +11,7 @@
 #include <QScopedValueRollback>
 #include <QSet>
 #include <exception>
+#include <utility>
 
 #include "db/Database.h"
 #include "entry/EntrySql.h"
@@ -39,11 +40,10 @@ void frmEmployeeDailyAttendance::cboEmpname_Click() {
         cboEmpname->setCurrentIndex(m_employeeIndex);
         return;
     }
+    const WaitCursor wait;
+    m_readError.clear();
     try {
         lngEmployeeID = cboEmpname->currentData().toInt();
-        // Another employee may have another department and so other schedules.
-        m_cache.clear();
-        GetDeptID();
         // Nothing of the previous employee may stay on the form: days, pairs, counts, claim.
         // The period stays until a new one is proposed (a failed proposal keeps it).
         const QString totalDays = txtTotalDays->text();
@@ -52,12 +52,10 @@ void frmEmployeeDailyAttendance::cboEmpname_Click() {
         // The listed days belong to the previous employee's period; the new period (or the
         // entry being edited) lists its own.
         lstAbsentDays->clear();
-        if (isNewMode() && fnProposePeriod() && !txtStartDate->text().trimmed().isEmpty())
-            fnShowTotalDays();
-        // The newest work-time setting; a stored entry then puts its own in its place.
-        fnCheckWorkTimeSettings();
-    } catch (const std::exception&) {
+        fnReadEmployeeSettings();
+    } catch (const std::exception& e) {
         // Trapped. The previous employee's days must not stay under the new one.
+        fnNoteReadFailure(e);
         const QString totalDays = txtTotalDays->text();
         fnClearEntryForm();
         txtTotalDays->setText(totalDays);
@@ -65,7 +63,60 @@ void frmEmployeeDailyAttendance::cboEmpname_Click() {
     }
     m_employeeIndex = cboEmpname->currentIndex();
     m_checkedPeriod = fnPeriodKey();  // the proposal was checked as it was shown
+    // A failed read leaves no half-made list of days for this employee.
+    if (!fnFinishStep(Step::Employee)) lstAbsentDays->clear();
     fnTakeBaseline();
+}
+
+void frmEmployeeDailyAttendance::fnReadEmployeeSettings() {
+    // Another employee may have another department and so other schedules.
+    m_cache.clear();
+    GetDeptID();
+    if (isNewMode() && fnProposePeriod() && !txtStartDate->text().trimmed().isEmpty())
+        fnShowTotalDays();
+    // The newest work-time setting; a stored entry then puts its own in its place.
+    fnCheckWorkTimeSettings();
+}
+
+void frmEmployeeDailyAttendance::fnNoteReadFailure(const std::exception& e) {
+    const auto* failed = dynamic_cast<const db::DbError*>(&e);
+    if (failed && m_readError.isEmpty())
+        m_readError = failed->message().isEmpty() ? QString::fromUtf8(e.what()) : failed->message();
+}
+
+bool frmEmployeeDailyAttendance::fnFinishStep(Step step) {
+    if (m_readError.isEmpty()) {
+        // Choosing the employee runs every read of the period too; Populate runs the
+        // unfinished step again before its own.
+        if (step == Step::Employee || step == Step::Populate || m_unfinished == step)
+            m_unfinished = Step::None;
+        return true;
+    }
+    const QString message = std::exchange(m_readError, QString());
+    // The earliest unfinished step is the one to run again.
+    if (m_unfinished == Step::None || static_cast<int>(step) < static_cast<int>(m_unfinished))
+        m_unfinished = step;
+    MsgBox(message, MsgButtons::Ok, MsgIcon::Information);
+    return false;
+}
+
+bool frmEmployeeDailyAttendance::fnRunUnfinishedStep() {
+    if (m_unfinished == Step::Employee) {
+        fnReadEmployeeSettings();
+        m_checkedPeriod = fnPeriodKey();
+    } else if (m_unfinished == Step::Period) {
+        const std::optional<QDate> start = parseDmy(txtStartDate->text().trimmed());
+        if (start && FnCheckCalendarSettingsNotEntered()) {
+            const QList<QDate> picked = fnPickedAbsentDays();
+            fnPopoulateList(*start, dtpEndDate->date());
+            for (int i = 0; i < lstAbsentDays->count(); ++i) {
+                QListWidgetItem* item = lstAbsentDays->item(i);
+                if (picked.contains(item->data(Qt::UserRole).toDate()))
+                    item->setCheckState(Qt::Checked);
+            }
+        }
+    }
+    return m_readError.isEmpty();
 }
 
 bool frmEmployeeDailyAttendance::GetDeptID() {
@@ -187,7 +238,8 @@ void frmEmployeeDailyAttendance::fnPopoulateList(QDate start, QDate end) {
                                                                     end, strCalendarCondition));
         for (db::Recordset r = rs; !r.eof(); r.moveNext())
             if (const auto day = timeValueFromDb(r.field(0))) holidays.insert(day->date());
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        fnNoteReadFailure(e);
         return;
     }
     const QSignalBlocker quiet(lstAbsentDays);

@@ -69,6 +69,7 @@ void frmEmployeeDailyAttendance::fnPeriodChanged() {
     const QString key = fnPeriodKey();
     if (key == m_checkedPeriod) return;
     m_checkedPeriod = key;
+    m_readError.clear();
     try {
         const std::optional<QDate> start = parseDmy(txtStartDate->text().trimmed());
         if (!start) return;
@@ -96,9 +97,12 @@ void frmEmployeeDailyAttendance::fnPeriodChanged() {
             QListWidgetItem* item = lstAbsentDays->item(i);
             if (picked.contains(item->data(Qt::UserRole).toDate())) item->setCheckState(Qt::Checked);
         }
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
         // Trapped: the period stays as typed; Populate checks it again.
+        fnNoteReadFailure(e);
     }
+    // A list of days half read is no list: Populate reads it again.
+    if (!fnFinishStep(Step::Period)) lstAbsentDays->clear();
 }
 
 QString frmEmployeeDailyAttendance::fnPeriodKey() const {
@@ -107,13 +111,69 @@ QString frmEmployeeDailyAttendance::fnPeriodKey() const {
            QString::number(cboEmpname->currentIndex());
 }
 
+namespace {
+
+// The rows of a grid as text, to be put back when a step fails half-way.
+QList<QStringList> gridRows(const FlexGrid& grid) {
+    QList<QStringList> rows;
+    for (int r = 0; r < grid.Rows(); ++r) {
+        QStringList cells;
+        for (int c = 0; c < grid.Cols(); ++c) cells << grid.TextMatrix(r, c);
+        rows << cells;
+    }
+    return rows;
+}
+
+void putBack(FlexGrid& grid, const QList<QStringList>& rows) {
+    grid.setRows(static_cast<int>(rows.size()));
+    for (int r = 0; r < rows.size(); ++r)
+        for (int c = 0; c < rows[r].size() && c < grid.Cols(); ++c)
+            grid.setTextMatrix(r, c, rows[r][c]);
+}
+
+}  // namespace
+
 void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
+    const WaitCursor wait;
+    m_readError.clear();
+    // An opened entry is put back as it was when a read fails; a new entry's half-made
+    // rows are cleared.
+    const QList<QStringList> daysBefore = gridRows(*mfgAttendance);
+    const QList<QStringList> pairsBefore = gridRows(*mfgMirrorGrid);
+    const QStringList countsBefore = {txtNoPresent->text(), txtNoLeave->text(),
+                                      txtNoAbsent->text()};
     try {
+        fnPopulate();
+    } catch (const std::exception& e) {
+        // Trapped; a failed statement is reported below.
+        fnNoteReadFailure(e);
+    }
+    if (m_readError.isEmpty()) {
+        fnFinishStep(Step::Populate);
+        return;
+    }
+    if (isNewMode()) {
+        const QString totalDays = txtTotalDays->text();
+        fnClearEntryForm();
+        txtTotalDays->setText(totalDays);
+    } else {
+        const QSignalBlocker quietDays(mfgAttendance->flexModel());
+        putBack(*mfgAttendance, daysBefore);
+        putBack(*mfgMirrorGrid, pairsBefore);
+        txtNoPresent->setText(countsBefore.value(0));
+        txtNoLeave->setText(countsBefore.value(1));
+        txtNoAbsent->setText(countsBefore.value(2));
+    }
+    fnFinishStep(Step::Populate);
+}
+
+void frmEmployeeDailyAttendance::fnPopulate() {
+    {
         // An unreadable start is a run-time error: trapped, nothing happens.
         const std::optional<QDate> typedStart = parseDmy(txtStartDate->text().trimmed());
         if (!typedStart) return;
         QDate start = *typedStart;
-        const QDate end = dtpEndDate->date();
+        QDate end = dtpEndDate->date();
         // A one-day period (start equal to end) is valid.
         if (start > end) {
             MsgBox(QStringLiteral("End Date Should be Greater than Start Date"));
@@ -145,6 +205,20 @@ void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
             return;
         }
         lngEmployeeID = cboEmpname->currentData().toInt();
+        // The reads of a step that failed before go first: nothing is laid out from them
+        // until they went through.
+        if (m_unfinished == Step::Employee || m_unfinished == Step::Period) {
+            if (!fnRunUnfinishedStep()) return;
+            lngEmployeeID = cboEmpname->currentData().toInt();
+            const std::optional<QDate> proposed = parseDmy(txtStartDate->text().trimmed());
+            if (!proposed) return;
+            start = *proposed;
+            end = dtpEndDate->date();
+            if (start > end) {
+                MsgBox(QStringLiteral("End Date Should be Greater than Start Date"));
+                return;
+            }
+        }
 
         // Days before the employee joined never get rows; one who joins after the period
         // (or whose date of join is the suite's "missing" value) has no day in it at all.
@@ -163,28 +237,32 @@ void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
 
         fnBuildDayRows(start, end);
         fnMarkAbsentDays();
-        // The later mark wins on a day that is both a holiday and a leave day.
+        // The later mark wins on a day that is both a holiday and a leave day. A failed
+        // read ends Populate: nothing more is asked of a database that failed (a lock
+        // would make every further statement wait its full time) and nothing is kept.
         if (blnConsiderLeaveHolidays) {
             fnMarkApprovedLeaves(lngEmployeeID, start, end);
+            if (!m_readError.isEmpty()) return;
             fnMarkHolidays(start, end);
         } else {
             fnMarkHolidays(start, end);
+            if (!m_readError.isEmpty()) return;
             fnMarkApprovedLeaves(lngEmployeeID, start, end);
         }
+        if (!m_readError.isEmpty()) return;
         fnMarkRemainingPresent();
         fnCountDayTypes();
 
         fnLayOutScheduledPairs(start, end);
+        if (!m_readError.isEmpty()) return;
         fnCalculateTotalHours();
-        for (int row = 1; row < mfgAttendance->Rows(); ++row) {
+        for (int row = 1; row < mfgAttendance->Rows() && m_readError.isEmpty(); ++row) {
             const std::optional<QDate> day =
                 rules::cellDate(mfgAttendance->TextMatrix(row, colDate));
             if (day) fnCalculateScheduleHours(*day, static_cast<qint16>(row));
         }
         fnZeroHolidaySchedule();
         fnFindtheAdditionalWorkingHours();
-    } catch (const std::exception&) {
-        // Trapped: the rows laid down before the failure stay.
     }
 }
 
@@ -196,6 +274,7 @@ void frmEmployeeDailyAttendance::fnLayOutScheduledPairs(QDate start, QDate end) 
     rules::fnLayOutScheduledPairs(
         *mfgMirrorGrid->flexModel(), *mfgAttendance->flexModel(), start, end,
         dtDateOfJoin.value_or(QDate()), [this](QDate day) -> std::optional<rules::DaySchedule> {
+            if (!m_readError.isEmpty()) return std::nullopt;  // Populate has failed already
             const std::optional<entry::ScheduleLine> line = fnDaySchedule(day);
             if (!line) return std::nullopt;
             return entry::toDaySchedule(*line);
@@ -219,8 +298,9 @@ void frmEmployeeDailyAttendance::fnMarkHolidays(QDate start, QDate end) {
         for (; !rs.eof(); rs.moveNext())
             if (const auto day = dateFromDb(rs.field(0))) holidays << *day;
         rules::fnMarkHolidays(*mfgAttendance->flexModel(), holidays);
-    } catch (const std::exception&) {
-        // Trapped: the days keep the types they had.
+    } catch (const std::exception& e) {
+        // Trapped: the days keep the types they had; Populate reports a failed statement.
+        fnNoteReadFailure(e);
     }
 }
 
@@ -238,8 +318,9 @@ void frmEmployeeDailyAttendance::fnMarkApprovedLeaves(qint32 employee, QDate sta
                                       rs.field(QStringLiteral("lrdNoofDays")).toDouble()};
         }
         rules::fnMarkApprovedLeaves(*mfgAttendance->flexModel(), leaves);
-    } catch (const std::exception&) {
-        // Trapped: the days keep the types they had.
+    } catch (const std::exception& e) {
+        // Trapped: the days keep the types they had; Populate reports a failed statement.
+        fnNoteReadFailure(e);
     }
 }
 

@@ -59,6 +59,11 @@ qint64 fnTotalDays(QDate start, QDate end);
 inline constexpr qint64 kMaxPeriodDays = 366;
 inline const QString kMsgPeriodTooLong = QStringLiteral(
     "A period can be at most 366 days long. Choose an end date within a year of the start.");
+// What OK says while a step whose reads failed (choosing the employee, the period,
+// Populate) has not run again successfully.
+inline const QString kMsgStepUnfinished = QStringLiteral(
+    "The last step did not finish: the database could not be read. Nothing was saved. "
+    "Press Populate again, then OK.");
 // Whether start..end (both counted) is longer than one entry may cover.
 bool isPeriodTooLong(QDate start, QDate end);
 

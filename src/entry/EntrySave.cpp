@@ -26,10 +26,6 @@ namespace qz2 {
 
 namespace {
 
-// How long a save waits for another writer of the same database before it gives up with
-// the database's own "locked" message.
-constexpr int kLockWaitMs = 10000;
-
 QString describe(const std::exception& e) {
     if (const auto* dbError = dynamic_cast<const db::DbError*>(&e)) return dbError->message();
     return QString::fromUtf8(e.what());
@@ -41,7 +37,7 @@ void ensureLockWait(const db::Dialect& d) {
     const std::optional<QString> read = entry::savesql::lockWaitQuery(d);
     if (!read) return;
     if (db::scalar(gadocon, *read).toLongLong() > 0) return;
-    db::execute(gadocon, *entry::savesql::setLockWait(d, kLockWaitMs));
+    db::execute(gadocon, *entry::savesql::setLockWait(d, db::lockWaitMs()));
 }
 
 QVector<QVariant> detailValues(const db::Dialect& d, qint32 attendanceId,
@@ -73,6 +69,13 @@ void frmEmployeeDailyAttendance::connectSaveEvents() {
 
 void frmEmployeeDailyAttendance::cmdOK_Click() {
     m_saved = false;
+    // A step whose reads failed left nothing to save until it has run again.
+    if (m_unfinished != Step::None) {
+        MsgBox(entry::kMsgStepUnfinished, MsgButtons::Ok, MsgIcon::Information);
+        cmdPopulateRecords->setFocus();
+        return;
+    }
+    const WaitCursor wait;
     fnSurviveFileSizeLimit();
     const FlexGridModel& days = *mfgAttendance->flexModel();
     const FlexGridModel& mirror = *mfgMirrorGrid->flexModel();

@@ -22,7 +22,8 @@ std::optional<entry::ScheduleLine> frmEmployeeDailyAttendance::fnDaySchedule(QDa
                                          strWorkTimeCondition));
         if (rs.eof()) return std::nullopt;
         return entry::scheduleLineFrom(rs);
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        fnNoteReadFailure(e);
         return std::nullopt;
     }
 }
@@ -37,8 +38,9 @@ void frmEmployeeDailyAttendance::fnCalculateScheduleHours(QDate date, qint16 row
         if (!rs.eof())
             total = rules::scheduledHours(entry::toDaySchedule(entry::scheduleLineFrom(rs)));
         mfgAttendance->setTextMatrix(row, colSchedule, total.format(u"hh:mm"));
-    } catch (const std::exception&) {
-        // Trapped: the row keeps what it showed.
+    } catch (const std::exception& e) {
+        // Trapped: the row keeps what it showed; the step that asked reports the failure.
+        fnNoteReadFailure(e);
     }
 }
 
@@ -52,7 +54,8 @@ TimeValue frmEmployeeDailyAttendance::fnCheckGraceTime(QDate date) {
         // A NULL first check-in counts as midnight, as does a weekday without a line.
         if (const auto start = timeValueFromDb(rs.field(QStringLiteral("cwtsCheckIn1"))))
             return TimeValue::fromTime(start->timeOfDay());
-    } catch (const std::exception&) {
+    } catch (const std::exception& e) {
+        fnNoteReadFailure(e);
     }
     return TimeValue();
 }
@@ -73,7 +76,8 @@ void frmEmployeeDailyAttendance::fnLoadWeekdayWorkingHours() {
                 if (const auto hours = timeValueFromDb(rs.field(0)))
                     weekdayWorkingHours[day] = TimeValue::fromTime(hours->timeOfDay());
             }
-        } catch (const std::exception&) {
+        } catch (const std::exception& e) {
+            fnNoteReadFailure(e);
             return;  // trapped: the weekdays not yet read keep their values
         }
     }

@@ -12,6 +12,7 @@
 #include <QDialog>
 #include <QList>
 #include <array>
+#include <exception>
 #include <memory>
 #include <optional>
 
@@ -207,6 +208,15 @@ public:
     // Whether the last cmdOK_Click saved (the form then unloads).
     bool saved() const { return m_saved; }
 
+    // ---- Steps whose reads failed ---------------------------------------------------
+    // Choosing the employee, changing a new entry's period and Populate each read the
+    // database. When one of their statements fails the clerk is shown the database's
+    // message once, what the step would have filled is cleared (or, on an opened entry,
+    // put back as it was), and the entry cannot be saved until the step has run again
+    // successfully: Populate runs the unfinished step again before it populates.
+    enum class Step { None, Employee, Period, Populate };
+    Step unfinishedStep() const { return m_unfinished; }
+
     // ---- Form state -----------------------------------------------------------------
     qint32 lngEmployeeID = 0;    // the selected employee
     qint32 lngDepartmentID = 0;  // the employee's department
@@ -310,6 +320,22 @@ private:
     // reported once however many ways the date boxes say they were left.
     QString fnPeriodKey() const;
     QString m_checkedPeriod;
+    // The message of the first database failure the running step met; empty while none.
+    QString m_readError;
+    Step m_unfinished = Step::None;
+    // Keeps the database's message of a failed statement for the running step; other
+    // run-time errors stay trapped without a word.
+    void fnNoteReadFailure(const std::exception& e);
+    // Ends a step: true when none of its statements failed (the step is then finished);
+    // otherwise the message is shown once, the step stays unfinished, and false.
+    bool fnFinishStep(Step step);
+    // Runs the unfinished reads of choosing the employee or of the period again (Populate
+    // does, first); true when they now went through.
+    bool fnRunUnfinishedStep();
+    // The reads of choosing the employee: department, proposed period, work-time setting.
+    void fnReadEmployeeSettings();
+    // Populate's own work; cmdPopulateRecords_Click traps and reports its failures.
+    void fnPopulate();
 };
 
 }  // namespace qz2

@@ -388,8 +388,10 @@ void FrmMaster::CmdDelete_Click() {
         flexMaster->setCurrentCell(row, 0);
         flexMaster->selectRow(row - 1);
         CmdDelete->setEnabled(fnUserRights(QStringLiteral("D"), strFunctionRights));
-    } catch (const std::exception&) {
-        // Trapped: the register stays as it is.
+    } catch (const std::exception& e) {
+        // Trapped: the register stays as it is. A failed statement is reported.
+        if (const auto* failed = dynamic_cast<const db::DbError*>(&e))
+            MsgBox(failed->message(), MsgButtons::Ok, MsgIcon::Information);
     }
 }
 

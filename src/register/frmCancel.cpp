@@ -28,6 +28,12 @@ QString alreadyCancelledText(const QString& attendanceId) {
         .arg(attendanceId);
 }
 
+QString entryGoneText(const QString& attendanceId) {
+    return QStringLiteral("Entry %1 was changed or removed by another clerk. Nothing was cancelled: "
+                          "refresh the list and try again.")
+        .arg(attendanceId);
+}
+
 frmCancel::frmCancel(QWidget* parent) : QDialog(parent) {
     setObjectName(QStringLiteral("frmCancel"));
     auto* layout = new QVBoxLayout(this);
@@ -92,11 +98,20 @@ void frmCancel::cmdOK_Click() {
             reject();
             return;
         }
-        db::execute(gadocon, sql::cancelUpdate(remarks, id, gintCompanyID));
+        // The entry may have been saved again under another identifier, or removed, since it
+        // was read: an update that changed nothing cancelled nothing, and the clerk is told.
+        if (db::execute(gadocon, sql::cancelUpdate(remarks, id, gintCompanyID)) == 0) {
+            MsgBox(entryGoneText(id), MsgButtons::Ok, MsgIcon::Information);
+            reject();
+            return;
+        }
         m_done = true;
         accept();
-    } catch (const std::exception&) {
-        // Trapped: the dialog stays open and the entry may not be cancelled.
+    } catch (const std::exception& e) {
+        // Trapped: the dialog stays open and the entry is not cancelled. A failed statement
+        // is reported.
+        if (const auto* failed = dynamic_cast<const db::DbError*>(&e))
+            MsgBox(failed->message(), MsgButtons::Ok, MsgIcon::Information);
     }
 }
 

@@ -33,5 +33,8 @@ private:
 std::optional<bool> fnIsEntryCancelled(const QString& attendanceId);
 // What the clerk is told on Delete of an entry that is already cancelled.
 QString alreadyCancelledText(const QString& attendanceId);
+// What the reason dialog says when the entry it was to cancel is no longer stored under its
+// identifier (saved again by another clerk, or removed) and nothing was cancelled.
+QString entryGoneText(const QString& attendanceId);
 
 }  // namespace qz2

@@ -15,11 +15,24 @@ bool g_autoAnswer = false;
 MsgResult g_autoYesNo = MsgResult::Yes;
 }  // namespace
 
+WaitCursor::WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+WaitCursor::~WaitCursor() { QApplication::restoreOverrideCursor(); }
+
 MsgResult MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon) {
     if (g_shown.size() >= 500) g_shown.remove(0, 250);  // a record for tests, not a history
     g_shown.push_back({text, gstrMsgboxTitle, buttons, icon});
     if (!g_answers.isEmpty()) return g_answers.dequeue();
     if (g_autoAnswer) return buttons == MsgButtons::YesNo ? g_autoYesNo : MsgResult::Ok;
+
+    // A box asked for while a step waits shows the arrow, not the wait cursor.
+    const bool waiting = QApplication::overrideCursor() != nullptr;
+    if (waiting) QApplication::setOverrideCursor(Qt::ArrowCursor);
+    struct Restore {
+        bool on;
+        ~Restore() {
+            if (on) QApplication::restoreOverrideCursor();
+        }
+    } restore{waiting};
 
     QWidget* parent = QApplication::activeModalWidget();
     if (!parent) parent = QApplication::activeWindow();

@@ -14,6 +14,16 @@ enum class MsgResult { Ok, Yes, No };
 
 MsgResult MsgBox(const QString& text, MsgButtons buttons = MsgButtons::Ok, MsgIcon icon = MsgIcon::None);
 
+// The wait cursor while a step may wait on a busy database (the save, Populate, choosing
+// the employee); a message box shown meanwhile gets the ordinary arrow.
+class WaitCursor {
+public:
+    WaitCursor();
+    ~WaitCursor();
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
+};
+
 struct ShownMessage {
     QString text;
     QString title;

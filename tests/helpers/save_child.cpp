@@ -8,20 +8,38 @@
 // the N-th statement of the save reaches the database, as a crash or a power cut would.
 // With --go FILE it waits until FILE exists, so that two children start at one moment.
 // With --fsize BYTES the process may write no file past that size (a quota, a full disk).
+// With --hold-exclusive MS it is the third process: it takes the database's exclusive lock
+// (BEGIN EXCLUSIVE), reports "holding", keeps it MS milliseconds, lets it go, reports
+// "released" and ends.
+// With --cancel ID it cancels stored entry ID from the register's reason dialog and
+// reports "cancelled", or each message shown as "error <text>". With --wait-before-ok FILE
+// an edit reports "loaded" and presses OK only once FILE exists (and a cancel confirms its
+// reason only then), so that a test can order two clerks' steps.
+// With --keyed the child is a clerk keying a new entry the whole way: choosing the
+// employee, Populate, OK. --lock-at employee|populate|ok names the step that waits for the
+// --go file (the parent takes the lock meanwhile); the child reports every message shown
+// ("error <text>" for the step, "refused <text>" for OK pressed after it), then waits for
+// the --released file, presses Populate and OK again and reports "saved <eaID> <eaNo>" and
+// "period <start> <end>". --read-wait MS sets the connection's lock wait for every
+// statement.
 
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <QApplication>
+#include <QComboBox>
+#include <QLineEdit>
 #include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QFileInfo>
+#include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTextStream>
 #include <QThread>
 #include <cstdio>
 
 #include "SaveScenario.h"
+#include "register/frmCancel.h"
 #include "db/Database.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "shared/BasAttendence.h"
@@ -89,6 +107,93 @@ void reportSaved(qint32 employee, QDate start) {
         report(QStringLiteral("saved ? ?"));
 }
 
+void waitForFile(const QString& file) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!QFileInfo::exists(file) && waited.elapsed() < 60000) QThread::usleep(200);
+}
+
+// The third process: the exclusive lock for `ms` milliseconds. Another program on the same
+// file, whatever route the clerks take: Qt's own SQLite driver, which sends BEGIN EXCLUSIVE
+// as it stands.
+int holdExclusive(const QString& file, int ms) {
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("holder"));
+    db.setDatabaseName(file);
+    if (!db.open()) {
+        report(QStringLiteral("hold-failed"));
+        return 2;
+    }
+    QSqlQuery q(db);
+    if (!q.exec(QStringLiteral("BEGIN EXCLUSIVE"))) {
+        report(QStringLiteral("hold-failed"));
+        return 2;
+    }
+    report(QStringLiteral("holding"));
+    QThread::msleep(static_cast<unsigned long>(ms));
+    q.exec(QStringLiteral("ROLLBACK"));
+    report(QStringLiteral("released"));
+    return 0;
+}
+
+void reportShown(const QString& kind) {
+    for (const qz2::ShownMessage& m : qz2::msgbox_testing::shown())
+        report(kind + QLatin1Char(' ') + m.text);
+    qz2::msgbox_testing::clear();
+}
+
+// A new entry keyed the whole way, one step of it run while another process holds the lock.
+int keyNewEntry(qint32 employee, const QString& lockAt, const QString& go,
+                const QString& released) {
+    qz2::gstrEntryMode = QStringLiteral("N");
+    qz2::frmEmployeeDailyAttendance form;
+    form.Form_Load();
+    int mine = -1;
+    for (int i = 0; i < form.cboEmpname->count(); ++i)
+        if (form.cboEmpname->itemData(i).toInt() == employee) mine = i;
+    if (mine < 0) {
+        report(QStringLiteral("no-employee"));
+        return 2;
+    }
+    form.cboEmpname->setCurrentIndex(mine == 0 ? 1 : 0);
+    qz2::msgbox_testing::clear();
+    const auto at = [&](const QString& step) {
+        if (step != lockAt) return;
+        report(QStringLiteral("waiting"));
+        waitForFile(go);
+    };
+    at(QStringLiteral("employee"));
+    form.cboEmpname->setCurrentIndex(mine);
+    reportShown(QStringLiteral("error"));
+    at(QStringLiteral("populate"));
+    form.cmdPopulateRecords_Click();
+    reportShown(QStringLiteral("error"));
+    at(QStringLiteral("ok"));
+    form.cmdOK_Click();
+    reportShown(form.saved() ? QStringLiteral("error") : QStringLiteral("refused"));
+    if (!form.saved()) {
+        if (!released.isEmpty()) waitForFile(released);
+        // The clerk runs the step again and presses OK again.
+        if (form.unfinishedStep() != qz2::frmEmployeeDailyAttendance::Step::None)
+            form.cmdPopulateRecords_Click();
+        form.cmdOK_Click();
+        reportShown(QStringLiteral("error"));
+    }
+    if (!form.saved()) {
+        report(QStringLiteral("gave-up"));
+        return 1;
+    }
+    QSqlQuery q(qz2::gadocon);
+    q.exec(QStringLiteral("select eaID, eaNo, eaStartDate, eaEndDate from pEmployeeAttendence "
+                          "where eaID=(select max(eaID) from pEmployeeAttendence)"));
+    if (q.next()) {
+        report(QStringLiteral("saved ") + q.value(0).toString() + QLatin1Char(' ') +
+               q.value(1).toString());
+        report(QStringLiteral("period ") + q.value(2).toString().left(10) + QLatin1Char(' ') +
+               q.value(3).toString().left(10));
+    }
+    return 0;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -128,8 +233,29 @@ int main(int argc, char** argv) {
     const QCommandLineOption fsizeOpt(QStringLiteral("fsize"),
                                       QStringLiteral("Largest file this process may write."),
                                       QStringLiteral("bytes"));
+    const QCommandLineOption holdOpt(QStringLiteral("hold-exclusive"),
+                                     QStringLiteral("Hold the exclusive lock this long."),
+                                     QStringLiteral("ms"));
+    const QCommandLineOption keyedOpt(QStringLiteral("keyed"),
+                                      QStringLiteral("Key a new entry: choose, Populate, OK."));
+    const QCommandLineOption lockAtOpt(QStringLiteral("lock-at"),
+                                       QStringLiteral("Step that waits for --go."),
+                                       QStringLiteral("step"));
+    const QCommandLineOption releasedOpt(QStringLiteral("released"),
+                                         QStringLiteral("Run the step again once this exists."),
+                                         QStringLiteral("file"));
+    const QCommandLineOption readWaitOpt(QStringLiteral("read-wait"),
+                                         QStringLiteral("Lock wait of every statement."),
+                                         QStringLiteral("ms"));
+    const QCommandLineOption cancelOpt(QStringLiteral("cancel"),
+                                       QStringLiteral("Cancel this stored entry."),
+                                       QStringLiteral("eaID"));
+    const QCommandLineOption waitOkOpt(QStringLiteral("wait-before-ok"),
+                                       QStringLiteral("Press OK once this file exists."),
+                                       QStringLiteral("file"));
     parser.addOptions({dbOpt, empOpt, startOpt, savesOpt, editOpt, exitOpt, countOpt, busyOpt,
-                       goOpt, retriesOpt, fsizeOpt});
+                       goOpt, retriesOpt, fsizeOpt, holdOpt, keyedOpt, lockAtOpt, releasedOpt,
+                       readWaitOpt, cancelOpt, waitOkOpt});
     parser.process(app);
     if (parser.isSet(fsizeOpt)) {
         const rlim_t bytes = parser.value(fsizeOpt).toULongLong();
@@ -137,13 +263,21 @@ int main(int argc, char** argv) {
         setrlimit(RLIMIT_FSIZE, &limit);
     }
 
+    if (parser.isSet(holdOpt)) return holdExclusive(parser.value(dbOpt), parser.value(holdOpt).toInt());
     qz2::msgbox_testing::setAutoAnswer(true);
     try {
-        qz2test::openSessionFile(parser.value(dbOpt), QStringLiteral("child"), 10000);
+        // The connection's own lock wait: --read-wait for a clerk whose every statement is to
+        // meet a held lock, 10 s otherwise.
+        qz2test::openSessionFile(parser.value(dbOpt), QStringLiteral("child"),
+                                 parser.isSet(readWaitOpt) ? parser.value(readWaitOpt).toInt()
+                                                           : 10000);
     } catch (const std::exception& e) {
         report(QStringLiteral("open-failed ") + QString::fromUtf8(e.what()));
         return 2;
     }
+    if (parser.isSet(keyedOpt))
+        return keyNewEntry(parser.value(empOpt).toInt(), parser.value(lockAtOpt),
+                           parser.value(goOpt), parser.value(releasedOpt));
     if (parser.isSet(goOpt)) {
         QElapsedTimer waited;
         waited.start();
@@ -158,6 +292,25 @@ int main(int argc, char** argv) {
     const int retries = parser.value(retriesOpt).toInt();
     const bool count = parser.isSet(countOpt);
 
+    if (parser.isSet(cancelOpt)) {
+        qz2::FlexGrid registerRows;
+        registerRows.setCols(1);
+        registerRows.setRows(2);
+        registerRows.setTextMatrix(1, 0, parser.value(cancelOpt));
+        registerRows.setCurrentCell(1, 0);
+        qz2::setRegisterGrid(&registerRows);
+        qz2::frmCancel dialog;
+        dialog.txtcanreason->setText(QStringLiteral("Keyed twice"));
+        report(QStringLiteral("loaded"));
+        if (parser.isSet(waitOkOpt)) waitForFile(parser.value(waitOkOpt));
+        qz2::msgbox_testing::clear();
+        dialog.cmdOK_Click();
+        reportShown(QStringLiteral("error"));
+        qz2::setRegisterGrid(nullptr);
+        if (!dialog.cancelled()) return 1;
+        report(QStringLiteral("cancelled"));
+        return 0;
+    }
     if (parser.isSet(editOpt)) {
         // The register's current row names the entry, as when Edit is pressed.
         qz2::FlexGrid registerRows;
@@ -174,6 +327,8 @@ int main(int argc, char** argv) {
             return 2;
         }
         qz2test::applyStandardEdit(form, start);
+        report(QStringLiteral("loaded"));
+        if (parser.isSet(waitOkOpt)) waitForFile(parser.value(waitOkOpt));
         const bool ok = pressOkUntilSaved(form, exitAt, count, retries);
         qz2::setRegisterGrid(nullptr);
         if (!ok) return 1;
