@@ -13,6 +13,24 @@
 
 namespace qz2::host {
 
+DatabaseOptions databaseOptions() {
+    return {QCommandLineOption(QStringLiteral("database"),
+                               QStringLiteral("SQLite database file to use."), QStringLiteral("FILE")),
+            QCommandLineOption(QStringLiteral("odbc"),
+                               QStringLiteral("ODBC connection string of a SQL Server database."),
+                               QStringLiteral("CONNECTION STRING")),
+            QCommandLineOption(QStringLiteral("company"),
+                               QStringLiteral("Company identifier (default 1)."),
+                               QStringLiteral("ID"), QStringLiteral("1"))};
+}
+
+std::optional<qint16> sixteenBitId(const QString& text) {
+    bool ok = false;
+    const int id = text.toInt(&ok);
+    if (!ok || id < -32768 || id > 32767) return std::nullopt;
+    return static_cast<qint16>(id);
+}
+
 namespace {
 
 // What every SQLite file begins with.

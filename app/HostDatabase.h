@@ -3,6 +3,7 @@
 // through ODBC, or the demo database in the user's data folder. Every failure comes back as
 // one line of text for the person at the terminal.
 
+#include <QCommandLineOption>
 #include <QDate>
 #include <QSqlDatabase>
 #include <QString>
@@ -17,6 +18,18 @@ struct DatabaseChoice {
     QString sqliteFile;  // --database
     QString odbc;        // --odbc; neither: the demo database
 };
+
+// The options with which every command of the program chooses its database and company.
+struct DatabaseOptions {
+    QCommandLineOption database;
+    QCommandLineOption odbc;
+    QCommandLineOption company;
+};
+DatabaseOptions databaseOptions();
+
+// A company or user identifier given on the command line: the session keeps them in 16 bits,
+// so a value that does not fit is refused (nullopt), never wrapped.
+std::optional<qint16> sixteenBitId(const QString& text);
 
 // Why the file cannot be opened as an attendance database (it is missing, a folder,
 // unreadable, empty or not SQLite); empty when it looks like one. Looks at the file only.

@@ -71,15 +71,7 @@ int runReportCommand(int argc, char** argv) {
                                     QStringLiteral("FORMAT"));
     const QCommandLineOption out(QStringLiteral("out"), QStringLiteral("The file to write."),
                                  QStringLiteral("FILE"));
-    const QCommandLineOption database(QStringLiteral("database"),
-                                      QStringLiteral("SQLite database file to read."),
-                                      QStringLiteral("FILE"));
-    const QCommandLineOption odbc(
-        QStringLiteral("odbc"), QStringLiteral("ODBC connection string of a SQL Server database."),
-        QStringLiteral("CONNECTION STRING"));
-    const QCommandLineOption company(QStringLiteral("company"),
-                                     QStringLiteral("Company identifier (default 1)."),
-                                     QStringLiteral("ID"), QStringLiteral("1"));
+    const auto [database, odbc, company] = host::databaseOptions();
     const QCommandLineOption title(QStringLiteral("title"),
                                    QStringLiteral("The company's title on the report."),
                                    QStringLiteral("TEXT"), QStringLiteral("Daily Attendance"));
@@ -105,12 +97,12 @@ int runReportCommand(int argc, char** argv) {
     reports::Request request;
     request.kind = *kind;
     request.companyTitle = parser.value(title);
-    bool ok = false;
-    const int companyId = parser.value(company).toInt(&ok);
-    if (!ok || companyId < -32768 || companyId > 32767)
+    const std::optional<qint16> companyId = host::sixteenBitId(parser.value(company));
+    if (!companyId)
         return fail(kExitUsage,
                     QStringLiteral("--company takes a whole number from -32768 to 32767."));
-    request.company = static_cast<qint16>(companyId);
+    request.company = *companyId;
+    bool ok = false;
     if (*kind == reports::Kind::Sheet) {
         if (parser.value(entry).trimmed().isEmpty())
             return fail(kExitUsage, QStringLiteral("--entry NO is needed."));

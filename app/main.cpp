@@ -99,15 +99,7 @@ std::optional<int> parseRegisterOptions(const QStringList& arguments, RegisterOp
                                   QStringLiteral("Displays help on commandline options."));
     const QCommandLineOption version({QStringLiteral("v"), QStringLiteral("version")},
                                      QStringLiteral("Displays version information."));
-    const QCommandLineOption database(QStringLiteral("database"),
-                                      QStringLiteral("SQLite database file to open."),
-                                      QStringLiteral("FILE"));
-    const QCommandLineOption odbc(
-        QStringLiteral("odbc"), QStringLiteral("ODBC connection string of a SQL Server database."),
-        QStringLiteral("CONNECTION STRING"));
-    const QCommandLineOption company(QStringLiteral("company"),
-                                     QStringLiteral("Company identifier (default 1)."),
-                                     QStringLiteral("ID"), QStringLiteral("1"));
+    const auto [database, odbc, company] = qz2::host::databaseOptions();
     const QCommandLineOption user(QStringLiteral("user"),
                                   QStringLiteral("User identifier (default 1)."),
                                   QStringLiteral("ID"), QStringLiteral("1"));
@@ -143,16 +135,14 @@ std::optional<int> parseRegisterOptions(const QStringList& arguments, RegisterOp
         return kExitUsage;
     }
 
-    bool okCompany = false, okUser = false;
-    const int companyId = parser.value(company).toInt(&okCompany);
-    const int userId = parser.value(user).toInt(&okUser);
-    if (!okCompany || companyId < -32768 || companyId > 32767 || !okUser || userId < -32768 ||
-        userId > 32767) {
+    const std::optional<qint16> companyId = qz2::host::sixteenBitId(parser.value(company));
+    const std::optional<qint16> userId = qz2::host::sixteenBitId(parser.value(user));
+    if (!companyId || !userId) {
         say(QStringLiteral("--company and --user take whole numbers from -32768 to 32767."));
         return kExitUsage;
     }
-    o.company = static_cast<qint16>(companyId);
-    o.user = static_cast<qint16>(userId);
+    o.company = *companyId;
+    o.user = *userId;
     if (parser.isSet(date)) {
         o.processDate = QDate::fromString(parser.value(date), Qt::ISODate);
         if (!o.processDate.isValid()) {

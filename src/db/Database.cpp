@@ -46,6 +46,16 @@ DbError::DbError(const QString& message, const QString& statement, const QString
       m_statement(statement),
       m_nativeCode(nativeCode) {}
 
+QString quotesDoubled(QString text) {
+    return text.replace(QLatin1Char('\''), QLatin1String("''"));
+}
+
+std::optional<QString> failedStatementMessage(const std::exception& e) {
+    const auto* failed = dynamic_cast<const DbError*>(&e);
+    if (!failed) return std::nullopt;
+    return failed->message().isEmpty() ? QString::fromUtf8(e.what()) : failed->message();
+}
+
 int Recordset::indexOf(const QString& name) const {
     for (int i = 0; i < m_names.size(); ++i)
         if (m_names[i].compare(name, Qt::CaseInsensitive) == 0) return i;

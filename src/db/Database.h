@@ -13,6 +13,7 @@
 #include <QVector>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 namespace qz2::db {
@@ -31,6 +32,14 @@ private:
     QString m_nativeCode;
 };
 
+// A text as it goes between the single quotes of a literal: its own quotes doubled, so that
+// no stored or typed text can end the literal or change the statement.
+QString quotesDoubled(QString text);
+
+// The database's message when `e` is a failed statement (its own text when the driver gave
+// none); nullopt for any other error, which the handlers trap quietly.
+std::optional<QString> failedStatementMessage(const std::exception& e);
+
 // All the rows of one result, read at once; fields are found by name without regard to
 // letter case, as the suite's column names are spelt inconsistently.
 class Recordset {
@@ -41,6 +50,7 @@ public:
     void moveFirst() { m_pos = 0; }
     int recordCount() const { return static_cast<int>(m_rows.size()); }
     int fieldCount() const { return static_cast<int>(m_names.size()); }
+    const QStringList& fieldNames() const { return m_names; }
     QString fieldName(int i) const { return m_names.value(i); }
     int indexOf(const QString& name) const;  // -1 when absent
     // Field of the current row by position or name; throws DbError when past the end or

@@ -60,7 +60,7 @@ QString Dialect::attendanceNumberQuery(const QString& headerTable, qint16 compan
     // doubled, so that a stored prefix such as O'B is matched as written and can never end
     // or change the statement.
     const QString n = QString::number(storedPrefix.size());
-    const QString prefix = QString(storedPrefix).replace(QLatin1Char('\''), QLatin1String("''"));
+    const QString prefix = quotesDoubled(storedPrefix);
     if (isSqlServer()) {
         return QStringLiteral("Select isnull(max(convert(int,right(eaNo,len(eaNo)-") + n + QStringLiteral("))),0) from ") +
                headerTable + QStringLiteral(" where eacompanyid = ") + QString::number(company) +

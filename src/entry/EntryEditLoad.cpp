@@ -20,7 +20,6 @@
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "rules/DayTypes.h"
 #include "rules/Population.h"
-#include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
@@ -58,13 +57,7 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
         const db::Recordset header =
             db::openRecordset(gadocon, entry::savesql::headerQuery(dialect(), gintCompanyID, id));
         if (!header.eof()) {
-            strOpenedHeader = rules::headerFingerprint(
-                [&header] {
-                    QStringList names;
-                    for (int i = 0; i < header.fieldCount(); ++i) names << header.fieldName(i);
-                    return names;
-                }(),
-                header.row(0));
+            strOpenedHeader = entry::savesql::storedHeaderFingerprint(header);
             // The database says whether the entry is cancelled, whatever the list showed.
             if (db::isOn(header.field(QStringLiteral("eaCancelled")))) cancelled = true;
             const QVariant employee = header.field(QStringLiteral("eaEmpID"));

@@ -79,9 +79,7 @@ void frmEmployeeDailyAttendance::fnReadEmployeeSettings() {
 }
 
 void frmEmployeeDailyAttendance::fnNoteReadFailure(const std::exception& e) {
-    const auto* failed = dynamic_cast<const db::DbError*>(&e);
-    if (failed && m_readError.isEmpty())
-        m_readError = failed->message().isEmpty() ? QString::fromUtf8(e.what()) : failed->message();
+    if (m_readError.isEmpty()) m_readError = db::failedStatementMessage(e).value_or(QString());
 }
 
 bool frmEmployeeDailyAttendance::fnFinishStep(Step step) {
@@ -106,15 +104,8 @@ bool frmEmployeeDailyAttendance::fnRunUnfinishedStep() {
         m_checkedPeriod = fnPeriodKey();
     } else if (m_unfinished == Step::Period) {
         const std::optional<QDate> start = parseDmy(txtStartDate->text().trimmed());
-        if (start && FnCheckCalendarSettingsNotEntered()) {
-            const QList<QDate> picked = fnPickedAbsentDays();
-            fnPopoulateList(*start, dtpEndDate->date());
-            for (int i = 0; i < lstAbsentDays->count(); ++i) {
-                QListWidgetItem* item = lstAbsentDays->item(i);
-                if (picked.contains(item->data(Qt::UserRole).toDate()))
-                    item->setCheckState(Qt::Checked);
-            }
-        }
+        if (start && FnCheckCalendarSettingsNotEntered())
+            fnRelistAbsentDays(*start, dtpEndDate->date());
     }
     return m_readError.isEmpty();
 }
@@ -255,6 +246,16 @@ void frmEmployeeDailyAttendance::fnPopoulateList(QDate start, QDate end) {
 
 bool frmEmployeeDailyAttendance::isAbsentDayPicked(const QListWidgetItem* item) {
     return item && item->checkState() == Qt::Checked;
+}
+
+void frmEmployeeDailyAttendance::fnRelistAbsentDays(QDate start, QDate end) {
+    const QList<QDate> pickedList = fnPickedAbsentDays();
+    const QSet<QDate> picked(pickedList.cbegin(), pickedList.cend());
+    fnPopoulateList(start, end);
+    for (int i = 0; i < lstAbsentDays->count(); ++i) {
+        QListWidgetItem* item = lstAbsentDays->item(i);
+        if (picked.contains(item->data(Qt::UserRole).toDate())) item->setCheckState(Qt::Checked);
+    }
 }
 
 QList<QDate> frmEmployeeDailyAttendance::fnPickedAbsentDays() const {

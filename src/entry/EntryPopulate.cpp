@@ -90,13 +90,8 @@ void frmEmployeeDailyAttendance::fnPeriodChanged() {
         txtEndDate->setText(dateText(end));
         fnShowTotalDays();
         if (*start > end || cboEmpname->currentIndex() < 0) return;  // Populate says why
-        const QList<QDate> picked = fnPickedAbsentDays();
         if (!FnCheckCalendarSettingsNotEntered()) return;
-        fnPopoulateList(*start, end);
-        for (int i = 0; i < lstAbsentDays->count(); ++i) {
-            QListWidgetItem* item = lstAbsentDays->item(i);
-            if (picked.contains(item->data(Qt::UserRole).toDate())) item->setCheckState(Qt::Checked);
-        }
+        fnRelistAbsentDays(*start, end);
     } catch (const std::exception& e) {
         // Trapped: the period stays as typed; Populate checks it again.
         fnNoteReadFailure(e);

@@ -27,8 +27,7 @@ namespace qz2 {
 namespace {
 
 QString describe(const std::exception& e) {
-    if (const auto* dbError = dynamic_cast<const db::DbError*>(&e)) return dbError->message();
-    return QString::fromUtf8(e.what());
+    return db::failedStatementMessage(e).value_or(QString::fromUtf8(e.what()));
 }
 
 // Waits for another saver's lock instead of failing at once, unless the connection already
@@ -142,11 +141,9 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
                 const db::Recordset stored = db::openRecordset(
                     gadocon, entry::savesql::headerQuery(d, gintCompanyID,
                                                          QString::number(lngAttendanceID)));
-                QStringList names;
-                for (int i = 0; i < stored.fieldCount(); ++i) names << stored.fieldName(i);
                 stale = rules::staleEditMessage(
                     txtAttNo->text(), strOpenedHeader,
-                    stored.eof() ? QStringList() : rules::headerFingerprint(names, stored.row(0)),
+                    entry::savesql::storedHeaderFingerprint(stored),
                     !stored.eof() && db::isOn(stored.field(QStringLiteral("eaCancelled"))));
             }
             if (stale) {

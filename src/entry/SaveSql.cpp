@@ -5,6 +5,7 @@
 #include <atomic>
 #include <cmath>
 
+#include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 
 namespace qz2::entry::savesql {
@@ -65,8 +66,12 @@ QString overlappingEntryQuery(const db::Dialect& d, qint16 company, qint32 emplo
 QString attendanceNoTakenQuery(qint16 company, const QString& attendanceNo) {
     return QStringLiteral("Select count(*) from ") + LinkedTableNames.pEmployeeAttendence +
            QStringLiteral(" where eaCompanyID=") + n(company) + QStringLiteral(" and eaNo='") +
-           QString(attendanceNo).replace(QLatin1Char('\''), QLatin1String("''")) +
+           db::quotesDoubled(attendanceNo) +
            QStringLiteral("'");
+}
+
+QStringList storedHeaderFingerprint(const db::Recordset& header) {
+    return header.eof() ? QStringList() : rules::headerFingerprint(header.fieldNames(), header.row(0));
 }
 
 QString headerInsert() {

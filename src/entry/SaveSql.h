@@ -96,6 +96,10 @@ QString entryDaysQuery(qint16 company, const QString& id);
 // The entry's allowance and deduction lines.
 QString allowanceLinesQuery(qint16 company, const QString& id);
 
+// The header row of a read of headerQuery as text, column by column (see
+// rules::headerFingerprint); empty when the entry's row is not there.
+QStringList storedHeaderFingerprint(const db::Recordset& header);
+
 // Stored decimal hours (hours + minutes / 60) as the day grid's "HH:mm" Hours text; the
 // inverse of the save's conversion, to the nearest minute.
 QString hoursText(double decimalHours);

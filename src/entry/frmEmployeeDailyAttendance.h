@@ -121,6 +121,8 @@ public:
     void fnPopoulateList(QDate start, QDate end);
     // The days the clerk picked in lstAbsentDays (ticked, which is also selected).
     QList<QDate> fnPickedAbsentDays() const;
+    // lstAbsentDays listed again for start..end, the days ticked before ticked again.
+    void fnRelistAbsentDays(QDate start, QDate end);
     static bool isAbsentDayPicked(const QListWidgetItem* item);
 
     // ---- Work-time schedule ---------------------------------------------------------

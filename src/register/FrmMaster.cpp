@@ -390,8 +390,8 @@ void FrmMaster::CmdDelete_Click() {
         CmdDelete->setEnabled(fnUserRights(QStringLiteral("D"), strFunctionRights));
     } catch (const std::exception& e) {
         // Trapped: the register stays as it is. A failed statement is reported.
-        if (const auto* failed = dynamic_cast<const db::DbError*>(&e))
-            MsgBox(failed->message(), MsgButtons::Ok, MsgIcon::Information);
+        if (const std::optional<QString> failed = db::failedStatementMessage(e))
+            MsgBox(*failed, MsgButtons::Ok, MsgIcon::Information);
     }
 }
 

@@ -1,12 +1,13 @@
 #include "register/RegisterSql.h"
 
+#include "db/Database.h"
 #include "shared/BasAttendence.h"
 
 namespace qz2::sql {
 
 namespace {
 QString n(qint64 v) { return QString::number(v); }
-QString quoted(QString text) { return text.replace(QLatin1Char('\''), QLatin1String("''")); }
+QString quoted(const QString& text) { return db::quotesDoubled(text); }
 }  // namespace
 
 QString masterFromClause() {

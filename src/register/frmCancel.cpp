@@ -110,8 +110,8 @@ void frmCancel::cmdOK_Click() {
     } catch (const std::exception& e) {
         // Trapped: the dialog stays open and the entry is not cancelled. A failed statement
         // is reported.
-        if (const auto* failed = dynamic_cast<const db::DbError*>(&e))
-            MsgBox(failed->message(), MsgButtons::Ok, MsgIcon::Information);
+        if (const std::optional<QString> failed = db::failedStatementMessage(e))
+            MsgBox(*failed, MsgButtons::Ok, MsgIcon::Information);
     }
 }
 

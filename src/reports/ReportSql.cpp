@@ -1,5 +1,6 @@
 #include "reports/ReportSql.h"
 
+#include "db/Database.h"
 #include "shared/BasAttendence.h"
 
 namespace qz2::reports::sql {
@@ -33,9 +34,7 @@ QString liveFromWhere(const db::Dialect& d, const Scope& s, const QString& extra
 }  // namespace
 
 QString quoted(const QString& text) {
-    QString t = text;
-    t.replace(QLatin1Char('\''), QStringLiteral("''"));
-    return QLatin1Char('\'') + t + QLatin1Char('\'');
+    return QLatin1Char('\'') + db::quotesDoubled(text) + QLatin1Char('\'');
 }
 
 QString departmentQuery(qint16 company, qint32 department) {

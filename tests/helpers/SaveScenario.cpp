@@ -21,7 +21,6 @@
 #include "rules/Pairs.h"
 #include "rules/Population.h"
 #include "rules/RuleGrids.h"
-#include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/TimeValue.h"
@@ -111,11 +110,8 @@ void openedAs(qz2::frmEmployeeDailyAttendance& form, qint32 id) {
     const db::Recordset header = db::openRecordset(
         gadocon, entry::savesql::headerQuery(db::Dialect::of(gadocon), gintCompanyID,
                                              QString::number(id)));
-    QStringList names;
-    for (int i = 0; i < header.fieldCount(); ++i) names << header.fieldName(i);
     form.lngAttendanceID = id;
-    form.strOpenedHeader =
-        header.eof() ? QStringList() : rules::headerFingerprint(names, header.row(0));
+    form.strOpenedHeader = entry::savesql::storedHeaderFingerprint(header);
 }
 
 void applyStandardEdit(qz2::frmEmployeeDailyAttendance& form, QDate start) {
