@@ -30,6 +30,9 @@ namespace qz2 {
 
 namespace {
 
+// Populate's answer to a period that ends before it starts, wherever that is found.
+const QString kMsgEndBeforeStart = QStringLiteral("End Date Should be Greater than Start Date");
+
 // The day an item of lstAbsentDays stands for: the date kept with it, or its
 // "yyyy/mm/dd" text.
 std::optional<QDate> listItemDate(const QListWidgetItem* item) {
@@ -171,7 +174,7 @@ void frmEmployeeDailyAttendance::fnPopulate() {
         QDate end = dtpEndDate->date();
         // A one-day period (start equal to end) is valid.
         if (start > end) {
-            MsgBox(QStringLiteral("End Date Should be Greater than Start Date"));
+            MsgBox(kMsgEndBeforeStart);
             return;
         }
         if (entry::isPeriodTooLong(start, end)) {
@@ -210,7 +213,7 @@ void frmEmployeeDailyAttendance::fnPopulate() {
             start = *proposed;
             end = dtpEndDate->date();
             if (start > end) {
-                MsgBox(QStringLiteral("End Date Should be Greater than Start Date"));
+                MsgBox(kMsgEndBeforeStart);
                 return;
             }
         }
@@ -219,7 +222,7 @@ void frmEmployeeDailyAttendance::fnPopulate() {
         // (or whose date of join is the suite's "missing" value) has no day in it at all.
         start = rules::effectiveStart(start, dtDateOfJoin.value_or(QDate()));
         if (start > end) {
-            MsgBox(QStringLiteral("End Date Should be Greater than Start Date"));
+            MsgBox(kMsgEndBeforeStart);
             return;
         }
 
