@@ -22,6 +22,7 @@
 #include "entry/EntrySql.h"
 #include "entry/SaveSql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
+#include "history/HistoryStore.h"
 #include "register/FrmMaster.h"
 #include "rules/HalfDay.h"
 #include "rules/Pairs.h"
@@ -339,6 +340,7 @@ TEST_F(EntrySave, ANewSaveRunsItsStatementsInOrderAndPreparesEachInsertOnce) {
     const QString header = entry::savesql::headerInsert();
     const QString detail = entry::savesql::detailInsert();
     const QString claim = entry::savesql::allowanceInsert();
+    const qint32 savedId = t.scalar(QStringLiteral("select max(eaID) from pEmployeeAttendence")).toInt();
     const QStringList expected = {
         QStringLiteral("PRAGMA busy_timeout"),
         QStringLiteral("select PerHourRateFromEmployeeMaster from pSettings where companyid=1"),
@@ -346,6 +348,7 @@ TEST_F(EntrySave, ANewSaveRunsItsStatementsInOrderAndPreparesEachInsertOnce) {
             QStringLiteral(" where ecompanyid=1 And eEmpID=") + QString::number(employee),
         entry::savesql::overlappingEntryQuery(db::Dialect::sqlite(), 1, employee, kStart,
                                               kStart.addDays(7), std::nullopt),
+        history::tableKeptQuery(db::Dialect::sqlite()),
         entry::sql::prefixQuery(91029, 1),
         db::Dialect::sqlite().attendanceNumberQuery(QStringLiteral("pEmployeeAttendence"), 1,
                                                     QStringLiteral("ATT")),
@@ -365,7 +368,13 @@ TEST_F(EntrySave, ANewSaveRunsItsStatementsInOrderAndPreparesEachInsertOnce) {
         claim,
         detail,
         detail,
-        detail};
+        detail,
+        // The history row of the new entry, read back as stored, in the same transaction.
+        history::headerVersionQuery(1, savedId),
+        history::lineVersionQuery(1, savedId),
+        history::claimVersionQuery(1, savedId),
+        history::userNameQuery(),
+        history::historyInsert()};
     EXPECT_EQ(ran, expected);
 }
 

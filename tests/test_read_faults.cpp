@@ -96,6 +96,15 @@ protected:
         form.cboEmpname->setCurrentIndex(indexOfEmployee(form.cboEmpname, employee));
     }
     int entries() const { return t.scalar("select count(*) from pEmployeeAttendence").toInt(); }
+    // Takes the entry saved last out again, with its history, so the next run starts from
+    // the same database.
+    void removeLastSaved() const {
+        const QString last = QStringLiteral("(select max(eaID) from pEmployeeAttendence)");
+        t.exec(QStringLiteral("delete from pEmpAttendanceHistory where ehNewID=") + last);
+        t.exec(QStringLiteral("delete from pEmpAttendanceAllowanceDeductions where eaadAttendanceID=") + last);
+        t.exec(QStringLiteral("delete from pEmpAttendanceDetail where eadAttendanceID=") + last);
+        t.exec(QStringLiteral("delete from pEmployeeAttendence where eaID=") + last);
+    }
     // The period of the entry saved last.
     QString lastSavedPeriod() const {
         const QList<QVariantList> rows =
@@ -140,12 +149,7 @@ TEST_F(ReadFaults, EveryStatementOfChoosingTheEmployeeFailingIsReportedOnceAndBl
         form->cmdOK_Click();
         ASSERT_TRUE(form->saved());
         savedPeriod = lastSavedPeriod();
-        t.exec(QStringLiteral("delete from pEmpAttendanceAllowanceDeductions where eaadAttendanceID="
-                              "(select max(eaID) from pEmployeeAttendence)"));
-        t.exec(QStringLiteral("delete from pEmpAttendanceDetail where eadAttendanceID=(select "
-                              "max(eaID) from pEmployeeAttendence)"));
-        t.exec(QStringLiteral(
-            "delete from pEmployeeAttendence where eaID=(select max(eaID) from pEmployeeAttendence)"));
+        removeLastSaved();
     }
     // Department switches, department and date of join, next start, calendar of the start's
     // and of the end's year, the holidays of the absent-day list, the work-time setting.
@@ -172,12 +176,7 @@ TEST_F(ReadFaults, EveryStatementOfChoosingTheEmployeeFailingIsReportedOnceAndBl
         ASSERT_TRUE(form->saved());
         EXPECT_EQ(lastSavedPeriod(), savedPeriod);
         if (form->saved() && lastSavedPeriod() == savedPeriod) ++nothingLost;
-        t.exec(QStringLiteral("delete from pEmpAttendanceAllowanceDeductions where "
-                              "eaadAttendanceID=(select max(eaID) from pEmployeeAttendence)"));
-        t.exec(QStringLiteral("delete from pEmpAttendanceDetail where eadAttendanceID=(select "
-                              "max(eaID) from pEmployeeAttendence)"));
-        t.exec(QStringLiteral(
-            "delete from pEmployeeAttendence where eaID=(select max(eaID) from pEmployeeAttendence)"));
+        removeLastSaved();
     }
     std::cout << "[ " << ::testing::UnitTest::GetInstance()->current_test_info()->name()
               << " ] statements failed in turn: " << statements.size()
@@ -229,12 +228,7 @@ TEST_F(ReadFaults, EveryStatementOfPopulateFailingClearsTheDaysAndBlocksOkUntilP
         EXPECT_EQ(entries(), entriesBefore + 1);
         if (form->saved() && lastSavedPeriod() == savedPeriod && entries() == entriesBefore + 1)
             ++nothingLost;
-        t.exec(QStringLiteral("delete from pEmpAttendanceAllowanceDeductions where "
-                              "eaadAttendanceID=(select max(eaID) from pEmployeeAttendence)"));
-        t.exec(QStringLiteral("delete from pEmpAttendanceDetail where eadAttendanceID=(select "
-                              "max(eaID) from pEmployeeAttendence)"));
-        t.exec(QStringLiteral(
-            "delete from pEmployeeAttendence where eaID=(select max(eaID) from pEmployeeAttendence)"));
+        removeLastSaved();
     }
     std::cout << "[ " << ::testing::UnitTest::GetInstance()->current_test_info()->name()
               << " ] statements failed in turn: " << statements.size()
@@ -284,12 +278,7 @@ TEST_F(ReadFaults, EveryStatementOfAPeriodChangeFailingBlocksOkUntilPopulateRead
         const QString period = QStringLiteral("2027-03-01/2027-03-31/%1").arg(employee);
         EXPECT_EQ(lastSavedPeriod(), period);
         if (form->saved() && lastSavedPeriod() == period) ++nothingLost;
-        t.exec(QStringLiteral("delete from pEmpAttendanceAllowanceDeductions where "
-                              "eaadAttendanceID=(select max(eaID) from pEmployeeAttendence)"));
-        t.exec(QStringLiteral("delete from pEmpAttendanceDetail where eadAttendanceID=(select "
-                              "max(eaID) from pEmployeeAttendence)"));
-        t.exec(QStringLiteral(
-            "delete from pEmployeeAttendence where eaID=(select max(eaID) from pEmployeeAttendence)"));
+        removeLastSaved();
     }
     std::cout << "[ " << ::testing::UnitTest::GetInstance()->current_test_info()->name()
               << " ] statements failed in turn: " << statements.size()
@@ -320,6 +309,14 @@ protected:
         ReadFaults::TearDown();
     }
     void listed(qint32 entry) { registerRows.setTextMatrix(1, 0, QString::number(entry)); }
+    // The entry live again, without the cancellation's history row.
+    void uncancel() const {
+        t.exec(QStringLiteral("update pEmployeeAttendence set eaCancelled=0, eaCancelledRemarks=NULL "
+                              "where eaID=%1")
+                   .arg(id));
+        t.exec(QStringLiteral("delete from pEmpAttendanceHistory where ehNewID=%1 and ehAction='cancelled'")
+                   .arg(id));
+    }
     std::unique_ptr<frmEmployeeDailyAttendance> opened() {
         gstrEntryMode = QStringLiteral("E");
         auto form = std::make_unique<frmEmployeeDailyAttendance>();
@@ -407,9 +404,7 @@ TEST_F(EditReadFaults, EveryStatementOfCancellingFailingIsReportedAndLeavesTheEn
         frmCancel dialog;
         statements = runFailing([&] { cancel(dialog); }).statements;
         ASSERT_EQ(dialog.result(), QDialog::Accepted);
-        t.exec(QStringLiteral("update pEmployeeAttendence set eaCancelled=0, eaCancelledRemarks=NULL "
-                              "where eaID=%1")
-                   .arg(id));
+        uncancel();
     }
     ASSERT_EQ(t.dump(), before);
     ASSERT_GE(statements.size(), 4);
@@ -430,9 +425,13 @@ TEST_F(EditReadFaults, EveryStatementOfCancellingFailingIsReportedAndLeavesTheEn
                                .arg(id))
                       .toInt(),
                   1);
-        t.exec(QStringLiteral("update pEmployeeAttendence set eaCancelled=0, eaCancelledRemarks=NULL "
-                              "where eaID=%1")
-                   .arg(id));
+        // The cancellation and its history row came together.
+        EXPECT_EQ(t.scalar(QStringLiteral("select count(*) from pEmpAttendanceHistory where ehNewID=%1 "
+                                          "and ehAction='cancelled'")
+                               .arg(id))
+                      .toInt(),
+                  1);
+        uncancel();
     }
 }
 

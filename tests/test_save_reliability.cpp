@@ -109,6 +109,8 @@ public:
             t.scalar(QStringLiteral("select count(*) from pEmpAttendanceAllowanceDeductions where "
                                     "eaadAttendanceID=%1")
                          .arg(id))
+                .toInt(),
+            t.scalar(QStringLiteral("select count(*) from pEmpAttendanceHistory where ehNewID=%1").arg(id))
                 .toInt()};
     }
 
@@ -177,15 +179,20 @@ void everyStatementFailingLeavesNothing(bool edit, int expectedStatements,
 TEST(SaveFaults, EveryStatementOfANewSaveFailingLeavesNothingAndOkAgainSaves) {
     // The lock wait, 2 checks, the check for an overlapping entry, prefix, number, the
     // check that the number is free, identifier, header, 8 pair lines, currency, 2 claims,
-    // 3 lines of days without pairs.
-    everyStatementFailingLeavesNothing(false, 23, {1, 11, 2});
+    // 3 lines of days without pairs; then the history: whether it is kept, the entry read
+    // back (header, lines, claims), the user's name and the history row.
+    everyStatementFailingLeavesNothing(false, 29, {1, 11, 2, 1});
 }
 
 TEST(SaveFaults, EveryStatementOfAnEditSaveFailingLeavesTheOldEntryAndOkAgainSaves) {
     // The lock wait, the monthly-entry overlap check, 2 checks, the check for an overlapping
     // entry, the stored header read again, 3 deletes, identifier, header, 7 pair lines,
-    // currency, 1 claim, 4 lines of days without pairs.
-    everyStatementFailingLeavesNothing(true, 24, {1, 11, 1});
+    // currency, 1 claim, 4 lines of days without pairs; the history: whether it is kept and
+    // the stored entry read (3) before the deletes, the new one read back (3), the user's name
+    // and the history row.
+    // The entry keeps the identifier it had (it was the highest), so its history has the row
+    // of its creation and the row of the edit.
+    everyStatementFailingLeavesNothing(true, 33, {1, 11, 1, 2});
 }
 
 TEST(SaveFaults, AFailingRefreshAfterAnEditLeavesTheEditSaved) {
@@ -194,14 +201,14 @@ TEST(SaveFaults, AFailingRefreshAfterAnEditLeavesTheEditSaved) {
     setRegisterGrid(&p.registerRows);
     gstrMasterQuery =
         QStringLiteral("select eaID,eaNo,eaDate,eaEmpID,eaCancelled from pEmployeeAttendence");
-    const QStringList ran = p.press(24, QStringLiteral("injected refresh failure"));
+    const QStringList ran = p.press(33, QStringLiteral("injected refresh failure"));
     gstrMasterQuery.clear();
-    ASSERT_EQ(ran.size(), 25);
+    ASSERT_EQ(ran.size(), 34);
     EXPECT_TRUE(ran.last().startsWith(
         QLatin1String("select eaID,eaNo,eaDate,eaEmpID,eaCancelled from pEmployeeAttendence")));
     EXPECT_TRUE(p.form->saved());
     EXPECT_TRUE(msgbox_testing::shown().isEmpty());
-    EXPECT_EQ(p.savedCounts(), (QList<int>{1, 11, 1}));
+    EXPECT_EQ(p.savedCounts(), (QList<int>{1, 11, 1, 2}));
     msgbox_testing::setAutoAnswer(false);
 }
 
@@ -280,7 +287,7 @@ TEST_F(SaveInterrupted, ANewSaveEndedBeforeAnyOfItsStatementsLeavesNoTraceAndACo
     const ChildResult dry = runChild(childArgs() << QStringLiteral("--count"));
     ASSERT_EQ(dry.exitCode, 0) << dry.lines.join('\n').toStdString();
     const int statements = statementsOf(dry);
-    ASSERT_EQ(statements, 23);
+    ASSERT_EQ(statements, 29);
     QString pristineDump;
     {
         FileLook look(pristine);
@@ -314,6 +321,11 @@ TEST_F(SaveInterrupted, ANewSaveEndedBeforeAnyOfItsStatementsLeavesNoTraceAndACo
                               .arg(id))
                   .toInt(),
               2);
+    EXPECT_EQ(look.t.scalar(QStringLiteral("select count(*) from pEmpAttendanceHistory where ehNewID=%1 "
+                                           "and ehAction='created'")
+                                .arg(id))
+                  .toInt(),
+              1);
     EXPECT_EQ(
         whole.lines.filter(QStringLiteral("saved ")).value(0),
         QStringLiteral("saved %1 ").arg(id) +
@@ -341,8 +353,8 @@ TEST_F(SaveInterrupted, AnEditEndedAtAnyStatementLeavesTheOldEntryOrTheWholeEdit
     const ChildResult dry = runChild(QStringList(editArgs) << QStringLiteral("--count"));
     ASSERT_EQ(dry.exitCode, 0) << dry.lines.join('\n').toStdString();
     const int statements = statementsOf(dry);
-    // The edit's 24 statements, then the register row's refresh after the commit.
-    ASSERT_EQ(statements, 25);
+    // The edit's 33 statements, then the register row's refresh after the commit.
+    ASSERT_EQ(statements, 34);
     QString edited;
     {
         FileLook look(work);

@@ -309,6 +309,27 @@ CREATE TABLE pEmpAttendanceAllowanceDeductions (
     PRIMARY KEY (eaadCompanyID, eaadAttendanceID, eaadDetailID)
 );
 
+-- The module's own history of entries: one row per version (created, edited, imported,
+-- cancelled), written in the transaction of the change it describes. ehChanges is the
+-- compact change text, ehBefore and ehAfter the entry as stored before and after (JSON);
+-- see the README. A database without this table keeps working, without history.
+CREATE TABLE pEmpAttendanceHistory (
+    ehID           INTEGER NOT NULL PRIMARY KEY,
+    ehCompanyID    INTEGER NOT NULL,
+    ehAttendanceNo TEXT    NOT NULL,
+    ehOldID        INTEGER,
+    ehNewID        INTEGER,
+    ehAction       TEXT    NOT NULL,
+    ehUserID       INTEGER NOT NULL,
+    ehUserName     TEXT,
+    ehWhen         TEXT    NOT NULL,
+    ehChanges      TEXT    NOT NULL,
+    ehBefore       TEXT,
+    ehAfter        TEXT
+);
+
+CREATE INDEX ix_pEmpAttendanceHistory_no ON pEmpAttendanceHistory (ehCompanyID, ehAttendanceNo);
+
 -- Working hours of a weekday, as the work-time lookup returns them: for each company
 -- and day number, the line of the company's highest setting identifier for that day,
 -- summing check-out minus check-in over the pairs that have both ends. The sum is

@@ -2,8 +2,8 @@
 --
 -- The tables, view and stored procedure that the attendance module reads and writes,
 -- for a fresh installation or to compare with an existing suite database. The module
--- only owns pEmployeeAttendence, pEmpAttendanceDetail and
--- pEmpAttendanceAllowanceDeductions; the other objects belong to other modules of the
+-- only owns pEmployeeAttendence, pEmpAttendanceDetail,
+-- pEmpAttendanceAllowanceDeductions and its history pEmpAttendanceHistory; the other objects belong to other modules of the
 -- suite and are listed with the columns the attendance module relies on.
 --
 -- Dates are datetime; times of day are datetime values of which only the time part
@@ -329,6 +329,30 @@ CREATE TABLE dbo.pEmpAttendanceAllowanceDeductions (
     eaadDeductionID  int      NULL,
     CONSTRAINT PK_pEmpAttendanceAllowanceDeductions PRIMARY KEY (eaadCompanyID, eaadAttendanceID, eaadDetailID)
 )
+GO
+
+-- The module's own history of entries: one row per version (created, edited, imported,
+-- cancelled), written in the transaction of the change it describes. ehChanges is the
+-- compact change text, ehBefore and ehAfter the entry as stored before and after (JSON);
+-- see the README. A database without this table keeps working, without history.
+CREATE TABLE dbo.pEmpAttendanceHistory (
+    ehID           int           IDENTITY(1,1) NOT NULL,
+    ehCompanyID    smallint      NOT NULL,
+    ehAttendanceNo varchar(20)   NOT NULL,
+    ehOldID        int           NULL,
+    ehNewID        int           NULL,
+    ehAction       varchar(10)   NOT NULL,
+    ehUserID       smallint      NOT NULL,
+    ehUserName     varchar(100)  NULL,
+    ehWhen         datetime      NOT NULL,
+    ehChanges      nvarchar(max) NOT NULL,
+    ehBefore       nvarchar(max) NULL,
+    ehAfter        nvarchar(max) NULL,
+    CONSTRAINT PK_pEmpAttendanceHistory PRIMARY KEY (ehID)
+)
+GO
+
+CREATE INDEX ix_pEmpAttendanceHistory_no ON dbo.pEmpAttendanceHistory (ehCompanyID, ehAttendanceNo)
 GO
 
 -- Working hours of one weekday: the line of the company's highest work-time setting

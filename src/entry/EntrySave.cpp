@@ -16,6 +16,7 @@
 #include "db/Database.h"
 #include "entry/SaveSql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
+#include "history/HistoryStore.h"
 #include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -161,6 +162,9 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
                 return;
             }
 
+            // The entry as stored before the edit, for its history, read before it is deleted.
+            history::VersionRecorder version = history::VersionRecorder::begin(
+                gadocon, gintCompanyID, editMode ? std::optional<qint32>(lngAttendanceID) : std::nullopt);
             if (editMode) {
                 db::execute(gadocon,
                             entry::savesql::deleteAllowanceLines(gintCompanyID, lngAttendanceID));
@@ -224,6 +228,7 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
 
             int detailCounter = static_cast<int>(pairLines.size());
             fnInsertOtherDays(detail, d, days, mirror, newId, detailCounter);
+            version.record(editMode ? history::Action::Edited : history::Action::Created, newId, gintUserID);
         }
         transaction.commit();
     } catch (const std::exception& e) {

@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "db/Database.h"
+#include "history/HistoryStore.h"
 #include "register/RegisterSql.h"
 #include "rules/Saving.h"
 #include "shared/BasAttendence.h"
@@ -84,9 +85,16 @@ void frmCancel::cmdOK_Click() {
         return;
     }
     try {
+        // The reads, the update and the history row are one unit: the flag read cannot go
+        // stale before the update, and a cancellation is never stored without its history.
+        db::Transaction transaction(gadocon, /*immediate=*/true);
         db::Recordset user = db::openRecordset(gadocon, sql::cancelUserNameQuery(gintCompanyID, gintUserID));
         QString remarks;
-        if (!user.eof()) remarks = user.field(QStringLiteral("username")).toString().trimmed() + QLatin1Char(':') + reason;
+        QString userName;
+        if (!user.eof()) {
+            userName = user.field(QStringLiteral("username")).toString().trimmed();
+            remarks = userName + QLatin1Char(':') + reason;
+        }
         FlexGrid* grid = registerGrid();
         const QString id = grid ? grid->TextMatrix(grid->Row(), 0) : QString();
         db::Recordset emp = db::openRecordset(gadocon, sql::cancelEmployeeQuery(id, gintCompanyID));
@@ -94,17 +102,22 @@ void frmCancel::cmdOK_Click() {
         // Someone may have cancelled the entry while the reason was being typed: its stored
         // reason stays, and this one is not written over it.
         if (fnIsEntryCancelled(id).value_or(false)) {
+            transaction.rollback();
             MsgBox(alreadyCancelledText(id), MsgButtons::Ok, MsgIcon::Information);
             reject();
             return;
         }
         // The entry may have been saved again under another identifier, or removed, since it
         // was read: an update that changed nothing cancelled nothing, and the clerk is told.
+        history::VersionRecorder version = history::VersionRecorder::begin(gadocon, gintCompanyID, id.toInt());
         if (db::execute(gadocon, sql::cancelUpdate(remarks, id, gintCompanyID)) == 0) {
+            transaction.rollback();
             MsgBox(entryGoneText(id), MsgButtons::Ok, MsgIcon::Information);
             reject();
             return;
         }
+        version.record(history::Action::Cancelled, id.toInt(), gintUserID, userName);
+        transaction.commit();
         m_done = true;
         accept();
     } catch (const std::exception& e) {

@@ -113,6 +113,8 @@ void setClock(std::function<QDateTime()> now) {
     g_now = now ? std::move(now) : [] { return QDateTime::currentDateTime(); };
 }
 
+QDateTime fnNow() { return g_now(); }
+
 void fnWriteErrorLog(const QString& formName, qint16 userId, const QString& procName, const QString& entryMode,
                      qint32 errNumber, const QString& errSource, const QString& errDescription, bool showMessage) {
     auto helper = commonmodule::CreateObject(QStringLiteral("CommonModule.clscommondb"));

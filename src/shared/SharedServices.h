@@ -38,6 +38,8 @@ QString errorLogPath();
 // are settable so that tests pin them.
 void setErrorLogFolder(const QString& folder);
 void setClock(std::function<QDateTime()> now);
+// "Now" as the clock above gives it (the error log's and the history's time).
+QDateTime fnNow();
 
 // The register grid the shared services work on (the open register's flexMaster).
 FlexGrid* registerGrid();

@@ -199,6 +199,8 @@ int keyNewEntry(qint32 employee, const QString& lockAt, const QString& go,
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
+    // One moment for every run, so that two runs of the same save store the same history.
+    qz2::setClock([] { return QDateTime(QDate(2026, 11, 21), QTime(10, 30)); });
     QCommandLineParser parser;
     parser.setApplicationDescription(
         QStringLiteral("Saves attendance entries for the reliability tests."));
