@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <optional>
 
+#include "HistoryCommand.h"
 #include "HostDatabase.h"
 #include "ReportCommand.h"
 #include "register/FrmMaster.h"
@@ -120,7 +121,7 @@ std::optional<int> parseRegisterOptions(const QStringList& arguments, RegisterOp
         return kExitUsage;
     }
     if (parser.isSet(help)) {
-        QString text = parser.helpText();
+        QString text = parser.helpText() + QString::fromLatin1(qz2::app::historyHelpText());
         text.replace(QLatin1String("<executable_name>"), QLatin1String(kProgram));
         std::fputs(qPrintable(text), stdout);
         return 0;
@@ -284,5 +285,7 @@ int main(int argc, char** argv) {
     // before the register's options are parsed; without a name the register opens.
     provideRuntimeFolder();
     if (argc > 1 && qstrcmp(argv[1], "report") == 0) return qz2::app::runReportCommand(argc, argv);
+    if (argc > 1 && qstrcmp(argv[1], "add-history-table") == 0)
+        return qz2::app::runAddHistoryTableCommand(argc, argv);
     return runRegister(argc, argv);
 }

@@ -14,8 +14,12 @@ namespace {
 
 const QString kNone = QStringLiteral("-");
 
-QString isoDate(QDate d) { return d.toString(Qt::ISODate); }
-QString hm(QTime t) { return t.toString(QStringLiteral("HH:mm")); }
+QString isoDate(QDate d) {
+    return d.toString(Qt::ISODate);
+}
+QString hm(QTime t) {
+    return t.toString(QStringLiteral("HH:mm"));
+}
 
 // Decimal hours as "hh:mm", to the nearest minute.
 QString hoursHm(double hours) {
@@ -31,8 +35,12 @@ QString quoted(const QString& text) {
     return QLatin1Char('"') + q + QLatin1Char('"');
 }
 
-QJsonValue jsonOf(const std::optional<QString>& v) { return v ? QJsonValue(*v) : QJsonValue(); }
-QJsonValue jsonOf(const std::optional<QTime>& t) { return t ? QJsonValue(hm(*t)) : QJsonValue(); }
+QJsonValue jsonOf(const std::optional<QString>& v) {
+    return v ? QJsonValue(*v) : QJsonValue();
+}
+QJsonValue jsonOf(const std::optional<QTime>& t) {
+    return t ? QJsonValue(hm(*t)) : QJsonValue();
+}
 QJsonValue jsonOf(const std::optional<qint32>& n) {
     return n ? QJsonValue(static_cast<qint64>(*n)) : QJsonValue();
 }
@@ -77,7 +85,8 @@ QString columnWords(const QString& column) {
 
 QString valueWords(const QString& column, const std::optional<QString>& v) {
     if (!v) return QStringLiteral("none");
-    if (column == QLatin1String("eaCancelled")) return *v == QLatin1String("1") ? QStringLiteral("yes") : QStringLiteral("no");
+    if (column == QLatin1String("eaCancelled"))
+        return *v == QLatin1String("1") ? QStringLiteral("yes") : QStringLiteral("no");
     if (isTextColumn(column)) return quoted(*v);
     const QDate d = QDate::fromString(*v, Qt::ISODate);
     if (d.isValid()) return d.toString(QStringLiteral("dd/MM/yyyy"));
@@ -106,54 +115,68 @@ std::pair<QString, QString> claimAmounts(const std::optional<QString>& text) {
     if (text) {
         const QStringList parts = text->split(QLatin1Char(' '), Qt::SkipEmptyParts);
         for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
-            if (parts[i] == QLatin1String("A")) allowance = parts[i + 1];
-            else deduction = parts[i + 1];
+            if (parts[i] == QLatin1String("A"))
+                allowance = parts[i + 1];
+            else
+                deduction = parts[i + 1];
         }
     }
     return {allowance, deduction};
 }
 
-QString arrow(const QString& a, const QString& b) { return a + QStringLiteral(" → ") + b; }
+QString arrow(const QString& a, const QString& b) {
+    return a + QStringLiteral(" → ") + b;
+}
 
 // A day's changes in words, without the day in front.
 QStringList dayWords(const Change& c) {
     QStringList words;
     switch (c.kind) {
-    case Change::Kind::Type:
-        if (!c.before) words << QStringLiteral("added as ") + dayTypeWords(*c.after);
-        else if (!c.after) words << QStringLiteral("removed (was ") + dayTypeWords(*c.before) + QLatin1Char(')');
-        else words << arrow(dayTypeWords(*c.before), dayTypeWords(*c.after));
-        break;
-    case Change::Kind::Pairs: {
-        const QList<Pair> before = pairsOf(c.before);
-        const QList<Pair> after = pairsOf(c.after);
-        const bool numbered = before.size() > 1 || after.size() > 1;
-        for (qsizetype i = 0; i < std::max(before.size(), after.size()); ++i) {
-            const QString n = numbered ? QLatin1Char(' ') + QString::number(i + 1) : QString();
-            if (i >= before.size()) {
-                words << QStringLiteral("pair %1 added %2–%3").arg(i + 1).arg(after[i].in, after[i].out);
-            } else if (i >= after.size()) {
-                words << QStringLiteral("pair %1 removed %2–%3").arg(i + 1).arg(before[i].in, before[i].out);
-            } else {
-                if (before[i].in != after[i].in)
-                    words << QStringLiteral("check-in") + n + QLatin1Char(' ') + arrow(before[i].in, after[i].in);
-                if (before[i].out != after[i].out)
-                    words << QStringLiteral("check-out") + n + QLatin1Char(' ') + arrow(before[i].out, after[i].out);
+        case Change::Kind::Type:
+            if (!c.before)
+                words << QStringLiteral("added as ") + dayTypeWords(*c.after);
+            else if (!c.after)
+                words << QStringLiteral("removed (was ") + dayTypeWords(*c.before) +
+                             QLatin1Char(')');
+            else
+                words << arrow(dayTypeWords(*c.before), dayTypeWords(*c.after));
+            break;
+        case Change::Kind::Pairs: {
+            const QList<Pair> before = pairsOf(c.before);
+            const QList<Pair> after = pairsOf(c.after);
+            const bool numbered = before.size() > 1 || after.size() > 1;
+            for (qsizetype i = 0; i < std::max(before.size(), after.size()); ++i) {
+                const QString n = numbered ? QLatin1Char(' ') + QString::number(i + 1) : QString();
+                if (i >= before.size()) {
+                    words << QStringLiteral("pair %1 added %2–%3")
+                                 .arg(i + 1)
+                                 .arg(after[i].in, after[i].out);
+                } else if (i >= after.size()) {
+                    words << QStringLiteral("pair %1 removed %2–%3")
+                                 .arg(i + 1)
+                                 .arg(before[i].in, before[i].out);
+                } else {
+                    if (before[i].in != after[i].in)
+                        words << QStringLiteral("check-in") + n + QLatin1Char(' ') +
+                                     arrow(before[i].in, after[i].in);
+                    if (before[i].out != after[i].out)
+                        words << QStringLiteral("check-out") + n + QLatin1Char(' ') +
+                                     arrow(before[i].out, after[i].out);
+                }
             }
+            break;
         }
-        break;
-    }
-    case Change::Kind::Claim: {
-        const auto [allowanceBefore, deductionBefore] = claimAmounts(c.before);
-        const auto [allowanceAfter, deductionAfter] = claimAmounts(c.after);
-        if (allowanceBefore != allowanceAfter)
-            words << QStringLiteral("Allowances ") + arrow(allowanceBefore, allowanceAfter);
-        if (deductionBefore != deductionAfter)
-            words << QStringLiteral("Deductions ") + arrow(deductionBefore, deductionAfter);
-        break;
-    }
-    case Change::Kind::Header:
-        break;
+        case Change::Kind::Claim: {
+            const auto [allowanceBefore, deductionBefore] = claimAmounts(c.before);
+            const auto [allowanceAfter, deductionAfter] = claimAmounts(c.after);
+            if (allowanceBefore != allowanceAfter)
+                words << QStringLiteral("Allowances ") + arrow(allowanceBefore, allowanceAfter);
+            if (deductionBefore != deductionAfter)
+                words << QStringLiteral("Deductions ") + arrow(deductionBefore, deductionAfter);
+            break;
+        }
+        case Change::Kind::Header:
+            break;
     }
     return words;
 }
@@ -162,10 +185,14 @@ QStringList dayWords(const Change& c) {
 
 QString actionCode(Action action) {
     switch (action) {
-    case Action::Created: return QStringLiteral("created");
-    case Action::Edited: return QStringLiteral("edited");
-    case Action::Imported: return QStringLiteral("imported");
-    case Action::Cancelled: return QStringLiteral("cancelled");
+        case Action::Created:
+            return QStringLiteral("created");
+        case Action::Edited:
+            return QStringLiteral("edited");
+        case Action::Imported:
+            return QStringLiteral("imported");
+        case Action::Cancelled:
+            return QStringLiteral("cancelled");
     }
     return {};
 }
@@ -183,12 +210,19 @@ QString actionWords(Action action) {
 }
 
 const QStringList& headerColumns() {
-    static const QStringList columns{
-        QStringLiteral("eaNo"),         QStringLiteral("eaDate"),         QStringLiteral("eaEmpID"),
-        QStringLiteral("eaStartDate"),  QStringLiteral("eaEndDate"),      QStringLiteral("eaPresent"),
-        QStringLiteral("eaLeaves"),     QStringLiteral("eaAbsent"),       QStringLiteral("eacwtsid"),
-        QStringLiteral("eaPerHourRate"), QStringLiteral("eaRemarks"),     QStringLiteral("eaCancelled"),
-        QStringLiteral("eaCancelledRemarks")};
+    static const QStringList columns{QStringLiteral("eaNo"),
+                                     QStringLiteral("eaDate"),
+                                     QStringLiteral("eaEmpID"),
+                                     QStringLiteral("eaStartDate"),
+                                     QStringLiteral("eaEndDate"),
+                                     QStringLiteral("eaPresent"),
+                                     QStringLiteral("eaLeaves"),
+                                     QStringLiteral("eaAbsent"),
+                                     QStringLiteral("eacwtsid"),
+                                     QStringLiteral("eaPerHourRate"),
+                                     QStringLiteral("eaRemarks"),
+                                     QStringLiteral("eaCancelled"),
+                                     QStringLiteral("eaCancelledRemarks")};
     return columns;
 }
 
@@ -215,13 +249,16 @@ QString numberText(double value) {
 QString versionText(const EntryVersion& version) {
     QJsonObject header;
     for (qsizetype i = 0; i < headerColumns().size(); ++i)
-        header.insert(headerColumns()[i], jsonOf(i < version.header.size() ? version.header[i] : std::nullopt));
+        header.insert(headerColumns()[i],
+                      jsonOf(i < version.header.size() ? version.header[i] : std::nullopt));
     QJsonArray lines;
     for (const VersionLine& l : version.lines)
-        lines.append(QJsonArray{l.id, isoDate(l.date), l.type, jsonOf(l.checkIn), jsonOf(l.checkOut)});
+        lines.append(
+            QJsonArray{l.id, isoDate(l.date), l.type, jsonOf(l.checkIn), jsonOf(l.checkOut)});
     QJsonArray claims;
     for (const VersionClaim& c : version.claims)
-        claims.append(QJsonArray{c.id, isoDate(c.date), c.hours, jsonOf(c.allowanceId), jsonOf(c.deductionId)});
+        claims.append(QJsonArray{c.id, isoDate(c.date), c.hours, jsonOf(c.allowanceId),
+                                 jsonOf(c.deductionId)});
     const QJsonObject root{{QStringLiteral("id"), static_cast<qint64>(version.id)},
                            {QStringLiteral("header"), header},
                            {QStringLiteral("lines"), lines},
@@ -241,12 +278,14 @@ std::optional<EntryVersion> versionFromText(const QString& text) {
         const QJsonObject header = root.value(QStringLiteral("header")).toObject();
         for (const QString& column : headerColumns()) {
             const QJsonValue value = header.value(column);
-            v.header.append(value.isString() ? std::optional<QString>(value.toString()) : std::nullopt);
+            v.header.append(value.isString() ? std::optional<QString>(value.toString())
+                                             : std::nullopt);
         }
         for (const QJsonValue& item : root.value(QStringLiteral("lines")).toArray()) {
             const QJsonArray a = item.toArray();
             if (a.size() != 5) return std::nullopt;
-            v.lines.append({a[0].toInt(), dateOf(a[1]), a[2].toString(), timeOf(a[3]), timeOf(a[4])});
+            v.lines.append(
+                {a[0].toInt(), dateOf(a[1]), a[2].toString(), timeOf(a[3]), timeOf(a[4])});
         }
         for (const QJsonValue& item : root.value(QStringLiteral("claims")).toArray()) {
             const QJsonArray a = item.toArray();
@@ -279,7 +318,8 @@ std::optional<QString> dayClaim(const EntryVersion& v, QDate day) {
     QStringList claims;
     for (const VersionClaim& c : v.claims)
         if (c.date == day)
-            claims << (c.allowanceId ? QStringLiteral("A ") : QStringLiteral("D ")) + hoursHm(c.hours);
+            claims << (c.allowanceId ? QStringLiteral("A ") : QStringLiteral("D ")) +
+                          hoursHm(c.hours);
     if (claims.isEmpty()) return std::nullopt;
     return claims.join(QLatin1Char(' '));
 }
@@ -305,8 +345,10 @@ QList<Change> versionChanges(const EntryVersion* before, const EntryVersion& aft
     const EntryVersion none;
     const EntryVersion& b = before ? *before : none;
     for (QDate day : days) {
-        const std::pair<Change::Kind, std::optional<QString> (*)(const EntryVersion&, QDate)> parts[] = {
-            {Change::Kind::Type, dayType}, {Change::Kind::Pairs, dayPairs}, {Change::Kind::Claim, dayClaim}};
+        const std::pair<Change::Kind, std::optional<QString> (*)(const EntryVersion&, QDate)>
+            parts[] = {{Change::Kind::Type, dayType},
+                       {Change::Kind::Pairs, dayPairs},
+                       {Change::Kind::Claim, dayClaim}};
         for (const auto& [kind, read] : parts) {
             const std::optional<QString> was = read(b, day);
             const std::optional<QString> now = read(after, day);
@@ -326,9 +368,11 @@ QString changesText(const QList<Change>& changes) {
         QString name = c.column;
         if (c.kind != Change::Kind::Header) {
             static const char* const kinds[] = {"", "type", "pairs", "claim"};
-            name = isoDate(c.day) + QLatin1Char(' ') + QLatin1String(kinds[static_cast<int>(c.kind)]);
+            name =
+                isoDate(c.day) + QLatin1Char(' ') + QLatin1String(kinds[static_cast<int>(c.kind)]);
         }
-        lines << name + QStringLiteral(": ") + show(c.before) + QStringLiteral(" -> ") + show(c.after);
+        lines << name + QStringLiteral(": ") + show(c.before) + QStringLiteral(" -> ") +
+                     show(c.after);
     }
     // An edit that changed nothing is still a version: its text is empty, never NULL.
     return lines.isEmpty() ? QStringLiteral("") : lines.join(QLatin1Char('\n'));
@@ -340,7 +384,8 @@ QStringList changesInWords(const QList<Change>& changes) {
     QStringList dayParts;
     const auto flushDay = [&] {
         if (!dayParts.isEmpty())
-            lines << day.toString(QStringLiteral("dd/MM")) + QLatin1Char(' ') + dayParts.join(QStringLiteral("; "));
+            lines << day.toString(QStringLiteral("dd/MM")) + QLatin1Char(' ') +
+                         dayParts.join(QStringLiteral("; "));
         dayParts.clear();
     };
     for (const Change& c : changes) {
@@ -370,7 +415,9 @@ QString versionSummary(const EntryVersion& version) {
     for (const VersionLine& l : version.lines)
         if (l.checkIn || l.checkOut) timed.insert(l.date);
     withTimes = static_cast<int>(timed.size());
-    return QStringLiteral("%1 to %2, employee %3: %4 present, %5 leave, %6 absent; %7 days with times, %8 claims")
+    return QStringLiteral(
+               "%1 to %2, employee %3: %4 present, %5 leave, %6 absent; %7 days with times, %8 "
+               "claims")
         .arg(date("eaStartDate"), date("eaEndDate"), version.value(u"eaEmpID").value_or(kNone),
              version.value(u"eaPresent").value_or(QStringLiteral("0")),
              version.value(u"eaLeaves").value_or(QStringLiteral("0")),
@@ -379,14 +426,31 @@ QString versionSummary(const EntryVersion& version) {
         .arg(version.claims.size());
 }
 
+QList<VersionDay> versionDays(const EntryVersion& version) {
+    QMap<QDate, VersionDay> days;
+    for (const VersionLine& l : version.lines) {
+        VersionDay& d = days[l.date];
+        d.date = l.date;
+        if (d.type.isEmpty()) d.type = l.type;
+    }
+    for (const VersionClaim& c : version.claims) {
+        VersionDay& d = days[c.date];
+        d.date = c.date;
+        (c.allowanceId ? d.allowance : d.deduction) = hoursHm(c.hours);
+    }
+    for (VersionDay& d : days) d.pairs = dayPairs(version, d.date).value_or(QString());
+    return days.values();
+}
+
 QString dayTypeWords(const QString& code) {
-    static const QMap<QString, QString> words{{QStringLiteral("P"), QStringLiteral("Present")},
-                                              {QStringLiteral("A"), QStringLiteral("Absent")},
-                                              {QStringLiteral("L"), QStringLiteral("Leave")},
-                                              {QStringLiteral("H"), QStringLiteral("Holiday")},
-                                              {QStringLiteral("HA"), QStringLiteral("Half-day absent")},
-                                              {QStringLiteral("HL"), QStringLiteral("Half-day leave")},
-                                              {QStringLiteral("AL"), QStringLiteral("Half leave, half absent")}};
+    static const QMap<QString, QString> words{
+        {QStringLiteral("P"), QStringLiteral("Present")},
+        {QStringLiteral("A"), QStringLiteral("Absent")},
+        {QStringLiteral("L"), QStringLiteral("Leave")},
+        {QStringLiteral("H"), QStringLiteral("Holiday")},
+        {QStringLiteral("HA"), QStringLiteral("Half-day absent")},
+        {QStringLiteral("HL"), QStringLiteral("Half-day leave")},
+        {QStringLiteral("AL"), QStringLiteral("Half leave, half absent")}};
     return words.value(code.trimmed(), code);
 }
 

@@ -7,8 +7,9 @@
 // The compact change text has one change per line:
 //   <column>: <before> -> <after>              a header column (eaRemarks, eaEndDate, ...)
 //   <yyyy-mm-dd> type: <before> -> <after>     a day's type code (P, A, L, H, HA, HL, AL)
-//   <yyyy-mm-dd> pairs: <before> -> <after>    a day's check-in/check-out pairs, "09:00-13:00 14:00-18:00"
-//   <yyyy-mm-dd> claim: <before> -> <after>    a day's claim, "A 02:00" (allowance) or "D 00:30" (deduction)
+//   <yyyy-mm-dd> pairs: <before> -> <after>    a day's check-in/check-out pairs, "09:00-13:00
+//   14:00-18:00" <yyyy-mm-dd> claim: <before> -> <after>    a day's claim, "A 02:00" (allowance) or
+//   "D 00:30" (deduction)
 // "-" stands for none (a NULL column, a day without the entry, a day without times or
 // claim); text columns are quoted with their quotes doubled; dates are yyyy-mm-dd, numbers
 // as stored. A new entry lists every column and every day; an edit or a cancellation only
@@ -103,6 +104,17 @@ QStringList changesInWords(const QList<Change>& changes);
 
 // A new or imported entry in one line: its period, employee and counts.
 QString versionSummary(const EntryVersion& version);
+
+// One day of a version as the register's history shows it.
+struct VersionDay {
+    QDate date;
+    QString type;
+    QString pairs;      // "09:00-13:00 14:00-18:00", empty without times
+    QString allowance;  // "hh:mm", empty without an allowance line
+    QString deduction;  // "hh:mm", empty without a deduction line
+};
+// The days of a version in date order.
+QList<VersionDay> versionDays(const EntryVersion& version);
 
 // The clerk's name of a day type code ("P" -> "Present", ...); the code itself when unknown.
 QString dayTypeWords(const QString& code);

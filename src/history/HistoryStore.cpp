@@ -11,7 +11,9 @@ namespace qz2::history {
 
 namespace {
 
-QString n(qint64 value) { return QString::number(value); }
+QString n(qint64 value) {
+    return QString::number(value);
+}
 
 bool isDateColumn(const QString& column) {
     return column == QLatin1String("eaDate") || column == QLatin1String("eaStartDate") ||
@@ -21,7 +23,8 @@ bool isDateColumn(const QString& column) {
 // A header value as a version keeps it (see EntryVersion::header).
 std::optional<QString> headerValue(const QString& column, const QVariant& v) {
     if (v.isNull()) return std::nullopt;
-    if (column == QLatin1String("eaCancelled")) return db::isOn(v) ? QStringLiteral("1") : QStringLiteral("0");
+    if (column == QLatin1String("eaCancelled"))
+        return db::isOn(v) ? QStringLiteral("1") : QStringLiteral("0");
     if (isTextColumn(column)) return v.toString();
     if (isDateColumn(column)) {
         const std::optional<TimeValue> t = timeValueFromDb(v);
@@ -58,27 +61,30 @@ QVariant idOrNull(const std::optional<qint32>& id) {
 
 }  // namespace
 
-QString tableName() { return QStringLiteral("pEmpAttendanceHistory"); }
+QString tableName() {
+    return QStringLiteral("pEmpAttendanceHistory");
+}
 
 QStringList createTableStatements(const db::Dialect& d) {
     if (d.isSqlServer())
-        return {QStringLiteral("CREATE TABLE dbo.pEmpAttendanceHistory (\n"
-                               "    ehID           int           IDENTITY(1,1) NOT NULL,\n"
-                               "    ehCompanyID    smallint      NOT NULL,\n"
-                               "    ehAttendanceNo varchar(20)   NOT NULL,\n"
-                               "    ehOldID        int           NULL,\n"
-                               "    ehNewID        int           NULL,\n"
-                               "    ehAction       varchar(10)   NOT NULL,\n"
-                               "    ehUserID       smallint      NOT NULL,\n"
-                               "    ehUserName     varchar(100)  NULL,\n"
-                               "    ehWhen         datetime      NOT NULL,\n"
-                               "    ehChanges      nvarchar(max) NOT NULL,\n"
-                               "    ehBefore       nvarchar(max) NULL,\n"
-                               "    ehAfter        nvarchar(max) NULL,\n"
-                               "    CONSTRAINT PK_pEmpAttendanceHistory PRIMARY KEY (ehID)\n"
-                               ")"),
-                QStringLiteral("CREATE INDEX ix_pEmpAttendanceHistory_no ON dbo.pEmpAttendanceHistory "
-                               "(ehCompanyID, ehAttendanceNo)")};
+        return {
+            QStringLiteral("CREATE TABLE dbo.pEmpAttendanceHistory (\n"
+                           "    ehID           int           IDENTITY(1,1) NOT NULL,\n"
+                           "    ehCompanyID    smallint      NOT NULL,\n"
+                           "    ehAttendanceNo varchar(20)   NOT NULL,\n"
+                           "    ehOldID        int           NULL,\n"
+                           "    ehNewID        int           NULL,\n"
+                           "    ehAction       varchar(10)   NOT NULL,\n"
+                           "    ehUserID       smallint      NOT NULL,\n"
+                           "    ehUserName     varchar(100)  NULL,\n"
+                           "    ehWhen         datetime      NOT NULL,\n"
+                           "    ehChanges      nvarchar(max) NOT NULL,\n"
+                           "    ehBefore       nvarchar(max) NULL,\n"
+                           "    ehAfter        nvarchar(max) NULL,\n"
+                           "    CONSTRAINT PK_pEmpAttendanceHistory PRIMARY KEY (ehID)\n"
+                           ")"),
+            QStringLiteral("CREATE INDEX ix_pEmpAttendanceHistory_no ON dbo.pEmpAttendanceHistory "
+                           "(ehCompanyID, ehAttendanceNo)")};
     return {QStringLiteral("CREATE TABLE pEmpAttendanceHistory (\n"
                            "    ehID           INTEGER NOT NULL PRIMARY KEY,\n"
                            "    ehCompanyID    INTEGER NOT NULL,\n"
@@ -101,45 +107,55 @@ QString tableKeptQuery(const db::Dialect& d) {
     if (d.isSqlServer())
         return QStringLiteral("select count(*) from INFORMATION_SCHEMA.TABLES where TABLE_NAME='") +
                tableName() + QLatin1Char('\'');
-    return QStringLiteral("select count(*) from sqlite_master where type='table' and name='") + tableName() +
-           QStringLiteral("' collate nocase");
+    return QStringLiteral("select count(*) from sqlite_master where type='table' and name='") +
+           tableName() + QStringLiteral("' collate nocase");
 }
 
 QString headerVersionQuery(qint16 company, qint32 id) {
-    return QStringLiteral("select ") + headerColumns().join(QLatin1Char(',')) + QStringLiteral(" from ") +
-           LinkedTableNames.pEmployeeAttendence + QStringLiteral(" where eaCompanyID=") + n(company) +
-           QStringLiteral(" and eaID=") + n(id);
+    return QStringLiteral("select ") + headerColumns().join(QLatin1Char(',')) +
+           QStringLiteral(" from ") + LinkedTableNames.pEmployeeAttendence +
+           QStringLiteral(" where eaCompanyID=") + n(company) + QStringLiteral(" and eaID=") +
+           n(id);
 }
 
 QString lineVersionQuery(qint16 company, qint32 id) {
     return QStringLiteral("select eadDetailID,eadDate,eadType,eadCheckIN,eadCheckOut from ") +
-           LinkedTableNames.pEmpAttendanceDetail + QStringLiteral(" where eadCompanyID=") + n(company) +
-           QStringLiteral(" and eadAttendanceID=") + n(id) + QStringLiteral(" order by eadDetailID");
+           LinkedTableNames.pEmpAttendanceDetail + QStringLiteral(" where eadCompanyID=") +
+           n(company) + QStringLiteral(" and eadAttendanceID=") + n(id) +
+           QStringLiteral(" order by eadDetailID");
 }
 
 QString claimVersionQuery(qint16 company, qint32 id) {
-    return QStringLiteral("select eaadDetailID,eaadDate,eaadHours,eaadAllowanceID,eaadDeductionID from ") +
-           LinkedTableNames.pEmpAttendanceAllowanceDeductions + QStringLiteral(" where eaadCompanyID=") +
-           n(company) + QStringLiteral(" and eaadAttendanceID=") + n(id) + QStringLiteral(" order by eaadDetailID");
+    return QStringLiteral(
+               "select eaadDetailID,eaadDate,eaadHours,eaadAllowanceID,eaadDeductionID from ") +
+           LinkedTableNames.pEmpAttendanceAllowanceDeductions +
+           QStringLiteral(" where eaadCompanyID=") + n(company) +
+           QStringLiteral(" and eaadAttendanceID=") + n(id) +
+           QStringLiteral(" order by eaadDetailID");
 }
 
-QString userNameQuery() { return QStringLiteral("select username from pusers where companyid=? and userid=?"); }
+QString userNameQuery() {
+    return QStringLiteral("select username from pusers where companyid=? and userid=?");
+}
 
 QString historyInsert() {
-    return QStringLiteral("insert into pEmpAttendanceHistory (ehCompanyID,ehAttendanceNo,ehOldID,ehNewID,"
-                          "ehAction,ehUserID,ehUserName,ehWhen,ehChanges,ehBefore,ehAfter) "
-                          "Values(?,?,?,?,?,?,?,?,?,?,?)");
+    return QStringLiteral(
+        "insert into pEmpAttendanceHistory (ehCompanyID,ehAttendanceNo,ehOldID,ehNewID,"
+        "ehAction,ehUserID,ehUserName,ehWhen,ehChanges,ehBefore,ehAfter) "
+        "Values(?,?,?,?,?,?,?,?,?,?,?)");
 }
 
 QString numberOfEntryQuery(const db::Dialect& d, qint16 company, qint32 id) {
-    return d.top1(QStringLiteral("select top 1 ehAttendanceNo from pEmpAttendanceHistory where ehCompanyID=") +
-                  n(company) + QStringLiteral(" and (ehOldID=") + n(id) + QStringLiteral(" or ehNewID=") + n(id) +
-                  QStringLiteral(") order by ehID desc"));
+    return d.top1(QStringLiteral(
+                      "select top 1 ehAttendanceNo from pEmpAttendanceHistory where ehCompanyID=") +
+                  n(company) + QStringLiteral(" and (ehOldID=") + n(id) +
+                  QStringLiteral(" or ehNewID=") + n(id) + QStringLiteral(") order by ehID desc"));
 }
 
 QString historyQuery(qint16 company, const QString& attendanceNo) {
-    return QStringLiteral("select ehID,ehAttendanceNo,ehOldID,ehNewID,ehAction,ehUserID,ehUserName,ehWhen,"
-                          "ehChanges,ehBefore,ehAfter from pEmpAttendanceHistory where ehCompanyID=") +
+    return QStringLiteral(
+               "select ehID,ehAttendanceNo,ehOldID,ehNewID,ehAction,ehUserID,ehUserName,ehWhen,"
+               "ehChanges,ehBefore,ehAfter from pEmpAttendanceHistory where ehCompanyID=") +
            n(company) + QStringLiteral(" and ehAttendanceNo='") + db::quotesDoubled(attendanceNo) +
            QStringLiteral("' order by ehID desc");
 }
@@ -148,19 +164,30 @@ bool isKept(const QSqlDatabase& db) {
     return db::scalar(db, tableKeptQuery(db::Dialect::of(db))).toLongLong() > 0;
 }
 
+bool addHistoryTable(const QSqlDatabase& db) {
+    db::Transaction transaction(db, /*immediate=*/true);
+    if (isKept(db)) return false;
+    for (const QString& statement : createTableStatements(db::Dialect::of(db)))
+        db::execute(db, statement);
+    transaction.commit();
+    return true;
+}
+
 std::optional<EntryVersion> readVersion(const QSqlDatabase& db, qint16 company, qint32 id) {
     const db::Recordset header = db::openRecordset(db, headerVersionQuery(company, id));
     if (header.eof()) return std::nullopt;
     EntryVersion v;
     v.id = id;
-    for (int c = 0; c < headerColumns().size(); ++c) v.header.append(headerValue(headerColumns()[c], header.field(c)));
-    for (db::Recordset lines = db::openRecordset(db, lineVersionQuery(company, id)); !lines.eof(); lines.moveNext())
+    for (int c = 0; c < headerColumns().size(); ++c)
+        v.header.append(headerValue(headerColumns()[c], header.field(c)));
+    for (db::Recordset lines = db::openRecordset(db, lineVersionQuery(company, id)); !lines.eof();
+         lines.moveNext())
         v.lines.append({lines.field(0).toInt(), dateOf(lines.field(1)), lines.field(2).toString(),
                         timeOfDay(lines.field(3)), timeOfDay(lines.field(4))});
-    for (db::Recordset claims = db::openRecordset(db, claimVersionQuery(company, id)); !claims.eof();
-         claims.moveNext())
-        v.claims.append({claims.field(0).toInt(), dateOf(claims.field(1)), claims.field(2).toDouble(),
-                         idOf(claims.field(3)), idOf(claims.field(4))});
+    for (db::Recordset claims = db::openRecordset(db, claimVersionQuery(company, id));
+         !claims.eof(); claims.moveNext())
+        v.claims.append({claims.field(0).toInt(), dateOf(claims.field(1)),
+                         claims.field(2).toDouble(), idOf(claims.field(3)), idOf(claims.field(4))});
     return v;
 }
 
@@ -174,7 +201,8 @@ QList<HistoryRecord> readHistory(const QSqlDatabase& db, qint16 company, qint32 
         number = header.field(0);
     }
     QList<HistoryRecord> records;
-    for (db::Recordset rs = db::openRecordset(db, historyQuery(company, number.toString())); !rs.eof(); rs.moveNext()) {
+    for (db::Recordset rs = db::openRecordset(db, historyQuery(company, number.toString()));
+         !rs.eof(); rs.moveNext()) {
         HistoryRecord r;
         r.id = rs.field(0).toLongLong();
         r.attendanceNo = rs.field(1).toString();
@@ -193,7 +221,8 @@ QList<HistoryRecord> readHistory(const QSqlDatabase& db, qint16 company, qint32 
     return records;
 }
 
-VersionRecorder VersionRecorder::begin(const QSqlDatabase& db, qint16 company, std::optional<qint32> oldId) {
+VersionRecorder VersionRecorder::begin(const QSqlDatabase& db, qint16 company,
+                                       std::optional<qint32> oldId) {
     VersionRecorder r;
     r.m_db = db;
     r.m_company = company;
@@ -203,24 +232,31 @@ VersionRecorder VersionRecorder::begin(const QSqlDatabase& db, qint16 company, s
     return r;
 }
 
-void VersionRecorder::record(Action action, qint32 newId, qint16 user, std::optional<QString> userName) {
+void VersionRecorder::record(Action action, qint32 newId, qint16 user,
+                             std::optional<QString> userName) {
     if (!m_kept) return;
     const std::optional<EntryVersion> after = readVersion(m_db, m_company, newId);
-    if (!after) throw db::DbError(QStringLiteral("The entry to record in the history is not stored"), tableName());
+    if (!after)
+        throw db::DbError(QStringLiteral("The entry to record in the history is not stored"),
+                          tableName());
     if (!userName) {
-        const db::Recordset user_ = db::openRecordset(m_db, userNameQuery(), {QVariant(m_company), QVariant(user)});
+        const db::Recordset user_ =
+            db::openRecordset(m_db, userNameQuery(), {QVariant(m_company), QVariant(user)});
         userName = user_.eof() ? QString() : user_.field(0).toString().trimmed();
     }
     const db::Dialect d = db::Dialect::of(m_db);
     const QDateTime now = fnNow();
-    const QVariant when = d.isSqlServer() ? QVariant(now) : QVariant(now.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
+    const QVariant when = d.isSqlServer()
+                              ? QVariant(now)
+                              : QVariant(now.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));
     const EntryVersion* before = m_before ? &*m_before : nullptr;
     db::Command insert(m_db, historyInsert());
-    insert.execute({QVariant(m_company), QVariant(after->value(u"eaNo").value_or(QStringLiteral(""))),
-                    idOrNull(m_oldId), QVariant(newId), QVariant(actionCode(action)), QVariant(user),
-                    QVariant(*userName), when, QVariant(changesText(versionChanges(before, *after))),
-                    textOrNull(before ? std::optional<QString>(versionText(*before)) : std::nullopt),
-                    QVariant(versionText(*after))});
+    insert.execute(
+        {QVariant(m_company), QVariant(after->value(u"eaNo").value_or(QStringLiteral(""))),
+         idOrNull(m_oldId), QVariant(newId), QVariant(actionCode(action)), QVariant(user),
+         QVariant(*userName), when, QVariant(changesText(versionChanges(before, *after))),
+         textOrNull(before ? std::optional<QString>(versionText(*before)) : std::nullopt),
+         QVariant(versionText(*after))});
 }
 
 }  // namespace qz2::history

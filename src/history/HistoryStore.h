@@ -40,6 +40,10 @@ QString historyQuery(qint16 company, const QString& attendanceNo);
 // Whether the database has the history table (one statement).
 bool isKept(const QSqlDatabase& db);
 
+// Adds the history table (and its index) to a database that lacks it, in one transaction;
+// false when it was there already. Throws db::DbError.
+bool addHistoryTable(const QSqlDatabase& db);
+
 // The stored entry `id` as it stands (three statements); nullopt when its header is gone.
 std::optional<EntryVersion> readVersion(const QSqlDatabase& db, qint16 company, qint32 id);
 
@@ -68,12 +72,14 @@ QList<HistoryRecord> readHistory(const QSqlDatabase& db, qint16 company, qint32 
 class VersionRecorder {
 public:
     // `oldId`: the stored entry about to change; nullopt for a new entry.
-    static VersionRecorder begin(const QSqlDatabase& db, qint16 company, std::optional<qint32> oldId);
+    static VersionRecorder begin(const QSqlDatabase& db, qint16 company,
+                                 std::optional<qint32> oldId);
 
     bool kept() const { return m_kept; }
     // Writes the version of the entry now stored as `newId`. `userName` when the caller has
     // read it already (a cancellation has); otherwise it is read here.
-    void record(Action action, qint32 newId, qint16 user, std::optional<QString> userName = std::nullopt);
+    void record(Action action, qint32 newId, qint16 user,
+                std::optional<QString> userName = std::nullopt);
 
 private:
     QSqlDatabase m_db;

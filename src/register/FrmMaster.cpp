@@ -19,6 +19,7 @@
 #include "entry/EntryLauncher.h"
 #include "register/RegisterSql.h"
 #include "register/frmCancel.h"
+#include "register/frmHistory.h"
 #include "register/frmReports.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -147,6 +148,17 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
         const int row = flexMaster->Row();
         fnShowReports(this, row > 0 ? flexMaster->TextMatrix(row, 1).trimmed() : QString());
     });
+    // Every version of the selected entry, cancelled ones included; it waits for the load to
+    // tell whether the database keeps history.
+    cmdHistory = new QPushButton(tr("&History..."), this);
+    cmdHistory->setObjectName(QStringLiteral("cmdHistory"));
+    cmdHistory->setAutoDefault(true);
+    cmdHistory->setEnabled(false);
+    buttons->insertWidget(buttons->indexOf(CmdClose), cmdHistory);
+    connect(cmdHistory, &QPushButton::clicked, this, [this] {
+        const int row = flexMaster->Row();
+        if (row > 0) fnShowHistory(this, flexMaster->TextMatrix(row, 0).trimmed().toInt());
+    });
 
     setTabOrder(flexMaster, cmdnew);
     setTabOrder(cmdnew, CmdEdit);
@@ -154,6 +166,7 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     setTabOrder(CmdDelete, CmdClose);
     setTabOrder(CmdClose, cboColNames);
     setTabOrder(CmdDelete, cmdReports);
+    setTabOrder(cmdReports, cmdHistory);
     setTabOrder(cboColNames, optAscend);
     setTabOrder(optAscend, optDescend);
     setTabOrder(optDescend, cboSearch);
@@ -214,6 +227,7 @@ void FrmMaster::Form_Load() {
             flexMaster->setCurrentCell(flexMaster->Rows() - 1, flexMaster->Col());
             flexMaster->scrollTo(flexMaster->currentIndex());
         }
+        fnCheckHistoryKept();
         showEntryCount();
     } catch (const std::exception& e) {
         lblStatus->setText(tr("The list could not be read: %1").arg(QString::fromStdString(e.what())));
@@ -411,7 +425,26 @@ void FrmMaster::showEntryCount() {
     const int entries = m->dataRows();
     QString text = entries == 1 ? tr("1 entry") : tr("%1 entries").arg(entries);
     if (cancelled > 0) text += tr(", %1 cancelled").arg(cancelled);
+    if (!m_historyNote.isEmpty()) text += QStringLiteral(" · ") + m_historyNote;
     lblStatus->setText(text);
+}
+
+void FrmMaster::fnCheckHistoryKept() {
+    bool kept = false;
+    try {
+        kept = history::isKept(gadocon);
+        m_historyNote = kept ? QString() : historyNotKeptText();
+    } catch (const std::exception&) {
+        // Not known: the list works as before, and History stays off.
+        m_historyNote.clear();
+    }
+    cmdHistory->setEnabled(kept);
+}
+
+QString historyNotKeptText() {
+    return FrmMaster::tr("History is not being kept: the database has no table %1 "
+                         "(qz2-attendance --help says how to add it)")
+        .arg(history::tableName());
 }
 
 void FrmMaster::CmdClose_Click() { close(); }

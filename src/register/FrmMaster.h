@@ -61,6 +61,7 @@ public:
     QPushButton* CmdEdit;
     QPushButton* CmdDelete;
     QPushButton* CmdClose;
+    QPushButton* cmdHistory;
     QLabel* lblStatus;
 
 protected:
@@ -74,6 +75,10 @@ private:
     void showCancelled(int row, bool cancelled);
     // "N entries, M cancelled" from the list as it stands.
     void showEntryCount();
+    // Whether the database keeps the entries' history: History is enabled, or the status
+    // line says once that it is not kept.
+    void fnCheckHistoryKept();
+    QString m_historyNote;
 
     std::unique_ptr<commonmodule::clsCommonGen> m_gen;
     std::unique_ptr<commonmodule::clsCommonDB> m_db;
@@ -84,5 +89,8 @@ private:
 
 // The text a register cell shows for a database value: dates as "dd/mm/yyyy", NULL empty.
 QString registerCellText(const QVariant& value);
+
+// The status line's note for a database without the history table.
+QString historyNotKeptText();
 
 }  // namespace qz2
