@@ -10,6 +10,7 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTableWidget>
 #include <memory>
 
@@ -539,6 +540,8 @@ TEST_F(History, AnEntrySavedBeforeHistoryWasKeptShowsItsOldStateAsTheFirstEditFo
                                 "and eaEmpID=%1")
                      .arg(employee))
             .toInt();
+    // Saved before the history table was installed: no history row of its own.
+    t.exec(QStringLiteral("delete from pEmpAttendanceHistory where ehNewID=%1").arg(stored));
     ASSERT_EQ(readHistory(t.db, 1, stored).size(), 0);
     const QStringList before = storedRows(stored);
     const qint32 edited = edit(stored, [](frmEmployeeDailyAttendance& f) {
@@ -584,6 +587,40 @@ TEST_F(History, WithoutTheTableEverythingWorksAsBeforeAndTheRegisterSaysSoOnce) 
     setRegisterGrid(&registerRows);
     const qint32 again = saveNew(qz2test::demoScenario(employee, kStart.addDays(14)));
     EXPECT_EQ(readHistory(t.db, 1, again).size(), 1);
+}
+
+TEST_F(History, TheDemoEntriesCarryTheirHistory) {
+    const int entries = t.scalar("select count(*) from pEmployeeAttendence").toInt();
+    EXPECT_EQ(
+        t.scalar("select count(*) from pEmpAttendanceHistory where ehAction='created'").toInt(),
+        entries);
+    EXPECT_EQ(t.scalar("select count(*) from pEmpAttendanceHistory").toInt(), entries + 2);
+    // The entry keyed twice: created, then cancelled with its reason.
+    const qint32 twice =
+        t.scalar("select eaID from pEmployeeAttendence where eaCancelled=1").toInt();
+    const QList<HistoryRecord> cancelled = readHistory(t.db, 1, twice);
+    ASSERT_EQ(cancelled.size(), 2);
+    EXPECT_EQ(cancelled[0].action, Action::Cancelled);
+    EXPECT_EQ(
+        cancelled[0].changes,
+        QStringLiteral("eaCancelled: 0 -> 1\neaCancelledRemarks: - -> \"admin:Entered twice\""));
+    EXPECT_EQ(cancelled[1].action, Action::Created);
+    // The entry the clerk corrected: a later check-out and its overtime.
+    const qint32 corrected =
+        t.scalar("select ehNewID from pEmpAttendanceHistory where ehAction='edited'").toInt();
+    const QList<HistoryRecord> edited = readHistory(t.db, 1, corrected);
+    ASSERT_EQ(edited.size(), 2);
+    EXPECT_EQ(edited[0].userName, QStringLiteral("clerk"));
+    ASSERT_TRUE(edited[0].before && edited[0].after);
+    const QStringList words = changesInWords(versionChanges(&*edited[0].before, *edited[0].after));
+    ASSERT_EQ(words.size(), 1);
+    EXPECT_TRUE(
+        QRegularExpression(QStringLiteral("^\\d\\d/\\d\\d check-out 2 1[78]:\\d\\d → 18:30; "
+                                          "Allowances 00:00 → 00:30$"))
+            .match(words[0])
+            .hasMatch())
+        << words[0].toStdString();
+    EXPECT_EQ(*edited[0].after, *readVersion(t.db, 1, corrected));
 }
 
 TEST_F(History, TheRegisterOffersHistoryWhenItIsKept) {

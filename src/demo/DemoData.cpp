@@ -19,6 +19,8 @@
 #include <utility>
 #include <vector>
 
+#include "history/HistoryStore.h"
+
 namespace qz2::demo {
 namespace {
 
@@ -637,6 +639,74 @@ std::vector<LeaveApplication> demoLeaves(const std::vector<int>& staff, QDate pr
     return out;
 }
 
+void exec(QSqlDatabase& db, const QString& sql, const QVariantList& values) {
+    QSqlQuery q(db);
+    if (!q.prepare(sql)) fail(QStringLiteral("Preparing ") + sql, q.lastError());
+    for (int i = 0; i < values.size(); ++i) q.bindValue(i, values[i]);
+    if (!q.exec()) fail(sql, q.lastError());
+}
+
+// The history of the demo's entries, as the module writes it: the administrator keyed each
+// entry at the end of its entry date; the entry keyed twice was cancelled the next morning;
+// the clerk corrected the first of them two days later: a day's last check-out became
+// 18:30, the half hour claimed as overtime (a day after the entry's other claims, so that
+// the claim lines stay in date order as a save numbers them).
+void writeDemoHistory(QSqlDatabase& db, const std::vector<std::pair<const EntryPlan, int>>& keyed,
+                      int twice, int corrected) {
+    const history::EntryTables tables{QStringLiteral("pEmployeeAttendence"),
+                                      QStringLiteral("pEmpAttendanceDetail"),
+                                      QStringLiteral("pEmpAttendanceAllowanceDeductions")};
+    const QString admin = QStringLiteral("admin");
+    QDate twiceDate;
+    for (const auto& [e, company] : keyed) {
+        history::VersionRecorder::begin(db, static_cast<qint16>(company), std::nullopt, tables)
+            .record(history::Action::Created, e.id, 1, admin, QDateTime(e.date, QTime(17, 30)));
+        if (e.id == twice) twiceDate = e.date;
+    }
+    if (twice == 0) return;
+    history::VersionRecorder cancel = history::VersionRecorder::begin(db, kCompany, twice, tables);
+    exec(db,
+         QStringLiteral("update pEmployeeAttendence set eaCancelled=1, eaCancelledRemarks=? where "
+                        "eaCompanyID=? and eaID=?"),
+         {QStringLiteral("admin:Entered twice"), kCompany, twice});
+    cancel.record(history::Action::Cancelled, twice, 1, admin,
+                  QDateTime(twiceDate.addDays(1), QTime(9, 10)));
+
+    QSqlQuery line(db);
+    line.prepare(QStringLiteral(
+        "select eadDetailID,eadDate from pEmpAttendanceDetail where eadCompanyID=? and "
+        "eadAttendanceID=? and eadType='P' and strftime('%w',eadDate) in ('1','2','3','4') and "
+        "eadCheckOut>='17:45:00' and eadCheckOut<'18:30:00' and eadDate>(select "
+        "ifnull(max(eaadDate),'') from pEmpAttendanceAllowanceDeductions where eaadCompanyID=? and "
+        "eaadAttendanceID=?) order by eadDate, eadDetailID desc limit 1"));
+    for (const QVariant& v :
+         {QVariant(kCompany), QVariant(corrected), QVariant(kCompany), QVariant(corrected)})
+        line.addBindValue(v);
+    if (!line.exec()) fail(QStringLiteral("Reading the line to correct"), line.lastError());
+    if (!line.next()) return;
+    const int detail = line.value(0).toInt();
+    const QString day = line.value(1).toString();
+    history::VersionRecorder edit =
+        history::VersionRecorder::begin(db, kCompany, corrected, tables);
+    exec(db,
+         QStringLiteral(
+             "update pEmpAttendanceDetail set eadCheckOut='18:30:00' where eadCompanyID=? and "
+             "eadAttendanceID=? and eadDetailID=?"),
+         {kCompany, corrected, detail});
+    exec(db,
+         QStringLiteral(
+             "insert into pEmpAttendanceAllowanceDeductions (eaadCompanyID,eaadAttendanceID,"
+             "eaadDetailID,eaadDate,eaadHours,eaadAllowanceID,eaadDeductionID) select ?,?,"
+             "count(*)+1,?,0.5,11,NULL from pEmpAttendanceAllowanceDeductions where "
+             "eaadCompanyID=? and eaadAttendanceID=?"),
+         {kCompany, corrected, day, kCompany, corrected});
+    QDate when;
+    for (const auto& [e, company] : keyed)
+        if (e.id == corrected) when = e.date.addDays(2);
+    edit.record(history::Action::Edited, corrected, 2, QStringLiteral("clerk"),
+                QDateTime(when, QTime(11, 45)));
+}
+
 void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
     Rng rng(kInterfaceId);
     const QDate m0 = monthStart(processDate);
@@ -754,6 +824,9 @@ void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
     int nextNo1 = 0;
     const QDate lastMonth = m0.addMonths(-1);
     bool duplicated = false;
+    std::vector<std::pair<const EntryPlan, int>> keyed;  // (entry, company) in keying order
+    int twice = 0;                                       // the entry keyed twice, then cancelled
+    int corrected = 0;                                   // the entry the clerk corrected
     for (const auto& [month, empId] : entryMonths) {
         const Employee& emp = staff[static_cast<std::size_t>(empId - 1)];
         EntryPlan e = planEntry(emp, month, cal1, leaves, rng, processDate,
@@ -761,14 +834,16 @@ void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
         e.id = ++nextId;
         e.number = QStringLiteral("ATT%1").arg(++nextNo1);
         writer.write(e, 11, 21);
+        keyed.emplace_back(e, kCompany);
         if (!duplicated && month == lastMonth) {
-            // The same month entered twice and the second one cancelled.
+            // The same month entered twice; the second one is cancelled below.
             duplicated = true;
+            corrected = e.id;
             e.id = ++nextId;
             e.number = QStringLiteral("ATT%1").arg(++nextNo1);
-            e.cancelled = true;
-            e.cancelledRemarks = QStringLiteral("admin:Entered twice");
             writer.write(e, 11, 21);
+            keyed.emplace_back(e, kCompany);
+            twice = e.id;
         }
     }
 
@@ -782,7 +857,9 @@ void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
         e.id = ++nextId;
         e.number = QStringLiteral("HC%1").arg(++nextNo2);
         writer.write(e, 12, 22);
+        keyed.emplace_back(e, kSecondCompany);
     }
+    writeDemoHistory(db, keyed, twice, corrected);
 
     // Payroll has been run for the oldest regular month of a few employees: a monthly
     // entry over that month locks their entries. A cancelled monthly entry locks nothing.

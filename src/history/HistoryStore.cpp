@@ -65,6 +65,11 @@ QString tableName() {
     return QStringLiteral("pEmpAttendanceHistory");
 }
 
+EntryTables linkedEntryTables() {
+    return {LinkedTableNames.pEmployeeAttendence, LinkedTableNames.pEmpAttendanceDetail,
+            LinkedTableNames.pEmpAttendanceAllowanceDeductions};
+}
+
 QStringList createTableStatements(const db::Dialect& d) {
     if (d.isSqlServer())
         return {
@@ -111,25 +116,23 @@ QString tableKeptQuery(const db::Dialect& d) {
            tableName() + QStringLiteral("' collate nocase");
 }
 
-QString headerVersionQuery(qint16 company, qint32 id) {
+QString headerVersionQuery(qint16 company, qint32 id, const EntryTables& tables) {
     return QStringLiteral("select ") + headerColumns().join(QLatin1Char(',')) +
-           QStringLiteral(" from ") + LinkedTableNames.pEmployeeAttendence +
-           QStringLiteral(" where eaCompanyID=") + n(company) + QStringLiteral(" and eaID=") +
-           n(id);
+           QStringLiteral(" from ") + tables.header + QStringLiteral(" where eaCompanyID=") +
+           n(company) + QStringLiteral(" and eaID=") + n(id);
 }
 
-QString lineVersionQuery(qint16 company, qint32 id) {
+QString lineVersionQuery(qint16 company, qint32 id, const EntryTables& tables) {
     return QStringLiteral("select eadDetailID,eadDate,eadType,eadCheckIN,eadCheckOut from ") +
-           LinkedTableNames.pEmpAttendanceDetail + QStringLiteral(" where eadCompanyID=") +
-           n(company) + QStringLiteral(" and eadAttendanceID=") + n(id) +
+           tables.detail + QStringLiteral(" where eadCompanyID=") + n(company) +
+           QStringLiteral(" and eadAttendanceID=") + n(id) +
            QStringLiteral(" order by eadDetailID");
 }
 
-QString claimVersionQuery(qint16 company, qint32 id) {
+QString claimVersionQuery(qint16 company, qint32 id, const EntryTables& tables) {
     return QStringLiteral(
                "select eaadDetailID,eaadDate,eaadHours,eaadAllowanceID,eaadDeductionID from ") +
-           LinkedTableNames.pEmpAttendanceAllowanceDeductions +
-           QStringLiteral(" where eaadCompanyID=") + n(company) +
+           tables.claims + QStringLiteral(" where eaadCompanyID=") + n(company) +
            QStringLiteral(" and eaadAttendanceID=") + n(id) +
            QStringLiteral(" order by eaadDetailID");
 }
@@ -173,18 +176,19 @@ bool addHistoryTable(const QSqlDatabase& db) {
     return true;
 }
 
-std::optional<EntryVersion> readVersion(const QSqlDatabase& db, qint16 company, qint32 id) {
-    const db::Recordset header = db::openRecordset(db, headerVersionQuery(company, id));
+std::optional<EntryVersion> readVersion(const QSqlDatabase& db, qint16 company, qint32 id,
+                                        const EntryTables& tables) {
+    const db::Recordset header = db::openRecordset(db, headerVersionQuery(company, id, tables));
     if (header.eof()) return std::nullopt;
     EntryVersion v;
     v.id = id;
     for (int c = 0; c < headerColumns().size(); ++c)
         v.header.append(headerValue(headerColumns()[c], header.field(c)));
-    for (db::Recordset lines = db::openRecordset(db, lineVersionQuery(company, id)); !lines.eof();
-         lines.moveNext())
+    for (db::Recordset lines = db::openRecordset(db, lineVersionQuery(company, id, tables));
+         !lines.eof(); lines.moveNext())
         v.lines.append({lines.field(0).toInt(), dateOf(lines.field(1)), lines.field(2).toString(),
                         timeOfDay(lines.field(3)), timeOfDay(lines.field(4))});
-    for (db::Recordset claims = db::openRecordset(db, claimVersionQuery(company, id));
+    for (db::Recordset claims = db::openRecordset(db, claimVersionQuery(company, id, tables));
          !claims.eof(); claims.moveNext())
         v.claims.append({claims.field(0).toInt(), dateOf(claims.field(1)),
                          claims.field(2).toDouble(), idOf(claims.field(3)), idOf(claims.field(4))});
@@ -222,20 +226,21 @@ QList<HistoryRecord> readHistory(const QSqlDatabase& db, qint16 company, qint32 
 }
 
 VersionRecorder VersionRecorder::begin(const QSqlDatabase& db, qint16 company,
-                                       std::optional<qint32> oldId) {
+                                       std::optional<qint32> oldId, const EntryTables& tables) {
     VersionRecorder r;
     r.m_db = db;
     r.m_company = company;
     r.m_oldId = oldId;
+    r.m_tables = tables;
     r.m_kept = isKept(db);
-    if (r.m_kept && oldId) r.m_before = readVersion(db, company, *oldId);
+    if (r.m_kept && oldId) r.m_before = readVersion(db, company, *oldId, tables);
     return r;
 }
 
 void VersionRecorder::record(Action action, qint32 newId, qint16 user,
-                             std::optional<QString> userName) {
+                             std::optional<QString> userName, std::optional<QDateTime> at) {
     if (!m_kept) return;
-    const std::optional<EntryVersion> after = readVersion(m_db, m_company, newId);
+    const std::optional<EntryVersion> after = readVersion(m_db, m_company, newId, m_tables);
     if (!after)
         throw db::DbError(QStringLiteral("The entry to record in the history is not stored"),
                           tableName());
@@ -245,7 +250,7 @@ void VersionRecorder::record(Action action, qint32 newId, qint16 user,
         userName = user_.eof() ? QString() : user_.field(0).toString().trimmed();
     }
     const db::Dialect d = db::Dialect::of(m_db);
-    const QDateTime now = fnNow();
+    const QDateTime now = at.value_or(fnNow());
     const QVariant when = d.isSqlServer()
                               ? QVariant(now)
                               : QVariant(now.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")));

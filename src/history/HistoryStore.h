@@ -25,11 +25,23 @@ QString tableName();
 // The statements that create the table and its index (what db/*/schema.sql hold for it).
 QStringList createTableStatements(const db::Dialect& d);
 
+// The physical names of an entry's three tables: the link table's by default; the demo
+// generator, which writes before any link table is read, names its own.
+struct EntryTables {
+    QString header;
+    QString detail;
+    QString claims;
+};
+EntryTables linkedEntryTables();
+
 // ---- Statements ------------------------------------------------------------------------
 QString tableKeptQuery(const db::Dialect& d);
-QString headerVersionQuery(qint16 company, qint32 id);
-QString lineVersionQuery(qint16 company, qint32 id);
-QString claimVersionQuery(qint16 company, qint32 id);
+QString headerVersionQuery(qint16 company, qint32 id,
+                           const EntryTables& tables = linkedEntryTables());
+QString lineVersionQuery(qint16 company, qint32 id,
+                         const EntryTables& tables = linkedEntryTables());
+QString claimVersionQuery(qint16 company, qint32 id,
+                          const EntryTables& tables = linkedEntryTables());
 QString userNameQuery();  // two values: company, user
 QString historyInsert();  // eleven values, in the table's column order after ehID
 QString numberOfEntryQuery(const db::Dialect& d, qint16 company, qint32 id);
@@ -45,7 +57,8 @@ bool isKept(const QSqlDatabase& db);
 bool addHistoryTable(const QSqlDatabase& db);
 
 // The stored entry `id` as it stands (three statements); nullopt when its header is gone.
-std::optional<EntryVersion> readVersion(const QSqlDatabase& db, qint16 company, qint32 id);
+std::optional<EntryVersion> readVersion(const QSqlDatabase& db, qint16 company, qint32 id,
+                                        const EntryTables& tables = linkedEntryTables());
 
 struct HistoryRecord {
     qint64 id = 0;
@@ -73,13 +86,15 @@ class VersionRecorder {
 public:
     // `oldId`: the stored entry about to change; nullopt for a new entry.
     static VersionRecorder begin(const QSqlDatabase& db, qint16 company,
-                                 std::optional<qint32> oldId);
+                                 std::optional<qint32> oldId,
+                                 const EntryTables& tables = linkedEntryTables());
 
     bool kept() const { return m_kept; }
     // Writes the version of the entry now stored as `newId`. `userName` when the caller has
-    // read it already (a cancellation has); otherwise it is read here.
+    // read it already (a cancellation has); otherwise it is read here. `at` is now unless given.
     void record(Action action, qint32 newId, qint16 user,
-                std::optional<QString> userName = std::nullopt);
+                std::optional<QString> userName = std::nullopt,
+                std::optional<QDateTime> at = std::nullopt);
 
 private:
     QSqlDatabase m_db;
@@ -87,6 +102,7 @@ private:
     bool m_kept = false;
     std::optional<qint32> m_oldId;
     std::optional<EntryVersion> m_before;
+    EntryTables m_tables;
 };
 
 }  // namespace qz2::history
