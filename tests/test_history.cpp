@@ -11,6 +11,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRegularExpression>
+#include <QTabWidget>
 #include <QTableWidget>
 #include <memory>
 
@@ -635,3 +636,20 @@ TEST_F(History, TheRegisterOffersHistoryWhenItIsKept) {
 }
 
 }  // namespace
+
+// The picture of the History dialog in docs/ (runs only when asked, see README).
+TEST(HistoryScreenshot, TheDemosCorrectedEntry) {
+    const QByteArray dir = qgetenv("QZ2_SCREENSHOT_DIR");
+    if (dir.isEmpty()) GTEST_SKIP() << "set QZ2_SCREENSHOT_DIR to write the picture";
+    TestDb demo(true);
+    const qint32 corrected =
+        demo.scalar("select ehNewID from pEmpAttendanceHistory where ehAction='edited'").toInt();
+    frmHistory dialog(corrected);
+    dialog.show();
+    dialog.grdVersions->setCurrentCell(0, 0);
+    dialog.tabVersion->setCurrentIndex(0);
+    ASSERT_EQ(dialog.versionCount(), 2);
+    EXPECT_TRUE(dialog.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/history.png")));
+    dialog.tabVersion->setCurrentIndex(1);
+    EXPECT_TRUE(dialog.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/history-version.png")));
+}
