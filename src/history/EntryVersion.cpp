@@ -406,7 +406,7 @@ QStringList changesInWords(const QList<Change>& changes) {
     return lines;
 }
 
-QString versionSummary(const EntryVersion& version) {
+QString versionSummary(const EntryVersion& version, const QString& employee) {
     const auto date = [&](const char* column) {
         return valueWords(QString::fromLatin1(column), version.value(QString::fromLatin1(column)));
     };
@@ -418,7 +418,8 @@ QString versionSummary(const EntryVersion& version) {
     return QStringLiteral(
                "%1 to %2, employee %3: %4 present, %5 leave, %6 absent; %7 days with times, %8 "
                "claims")
-        .arg(date("eaStartDate"), date("eaEndDate"), version.value(u"eaEmpID").value_or(kNone),
+        .arg(date("eaStartDate"), date("eaEndDate"),
+             employee.isEmpty() ? version.value(u"eaEmpID").value_or(kNone) : employee,
              version.value(u"eaPresent").value_or(QStringLiteral("0")),
              version.value(u"eaLeaves").value_or(QStringLiteral("0")),
              version.value(u"eaAbsent").value_or(QStringLiteral("0")))

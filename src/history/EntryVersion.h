@@ -102,8 +102,9 @@ QList<Change> versionChanges(const EntryVersion* before, const EntryVersion& aft
 QString changesText(const QList<Change>& changes);
 QStringList changesInWords(const QList<Change>& changes);
 
-// A new or imported entry in one line: its period, employee and counts.
-QString versionSummary(const EntryVersion& version);
+// A new or imported entry in one line: its period, employee and counts. `employee` names
+// the employee ("E0012 Asha Rao"); without it the identifier stands.
+QString versionSummary(const EntryVersion& version, const QString& employee = QString());
 
 // One day of a version as the register's history shows it.
 struct VersionDay {

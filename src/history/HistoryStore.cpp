@@ -163,6 +163,19 @@ QString historyQuery(qint16 company, const QString& attendanceNo) {
            QStringLiteral("' order by ehID desc");
 }
 
+QString employeeLabelQuery(qint16 company, qint32 employee) {
+    return QStringLiteral("select eEmpNo,eName from ") + LinkedTableNames.pemployee +
+           QStringLiteral(" where eCompanyID=") + n(company) + QStringLiteral(" and eEmpID=") +
+           n(employee);
+}
+
+QString employeeLabel(const QSqlDatabase& db, qint16 company, qint32 employee) {
+    const db::Recordset rs = db::openRecordset(db, employeeLabelQuery(company, employee));
+    if (rs.eof()) return {};
+    return (rs.field(0).toString().trimmed() + QLatin1Char(' ') + rs.field(1).toString().trimmed())
+        .trimmed();
+}
+
 bool isKept(const QSqlDatabase& db) {
     return db::scalar(db, tableKeptQuery(db::Dialect::of(db))).toLongLong() > 0;
 }

@@ -46,6 +46,7 @@ QString userNameQuery();  // two values: company, user
 QString historyInsert();  // eleven values, in the table's column order after ehID
 QString numberOfEntryQuery(const db::Dialect& d, qint16 company, qint32 id);
 QString historyQuery(qint16 company, const QString& attendanceNo);
+QString employeeLabelQuery(qint16 company, qint32 employee);
 
 // ---- Reading and writing ---------------------------------------------------------------
 
@@ -59,6 +60,10 @@ bool addHistoryTable(const QSqlDatabase& db);
 // The stored entry `id` as it stands (three statements); nullopt when its header is gone.
 std::optional<EntryVersion> readVersion(const QSqlDatabase& db, qint16 company, qint32 id,
                                         const EntryTables& tables = linkedEntryTables());
+
+// The employee as the history names them: number and name ("E0012 Asha Rao"); empty when
+// the employee is not found.
+QString employeeLabel(const QSqlDatabase& db, qint16 company, qint32 employee);
 
 struct HistoryRecord {
     qint64 id = 0;

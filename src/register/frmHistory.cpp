@@ -1,6 +1,7 @@
 #include "register/frmHistory.h"
 
 #include <QDialogButtonBox>
+#include <QHash>
 #include <QHeaderView>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -29,6 +30,7 @@ QTableWidget* readOnlyTable(QWidget* parent, const QString& name, const QStringL
     t->verticalHeader()->setVisible(false);
     t->horizontalHeader()->setStretchLastSection(true);
     t->setTabKeyNavigation(false);  // Tab leaves the table, arrows move in it
+    t->verticalHeader()->setDefaultSectionSize(t->fontMetrics().height() + 8);
     return t;
 }
 
@@ -42,7 +44,7 @@ QString idText(const std::optional<qint32>& id) {
 
 // The header of a version in one line: number, employee, period, counts, remarks, and the
 // cancellation with its reason.
-QString headerLine(const history::EntryVersion& v) {
+QString headerLine(const history::EntryVersion& v, const QString& employee) {
     const auto value = [&v](const char* column) {
         return v.value(QString::fromLatin1(column)).value_or(QString());
     };
@@ -51,8 +53,9 @@ QString headerLine(const history::EntryVersion& v) {
         return d.isValid() ? dateText(d) : QString();
     };
     QString line = QStringLiteral("%1 · employee %2 · %3 to %4 · present %5, leave %6, absent %7")
-                       .arg(value("eaNo"), value("eaEmpID"), date("eaStartDate"), date("eaEndDate"),
-                            value("eaPresent"), value("eaLeaves"), value("eaAbsent"));
+                       .arg(value("eaNo"), employee.isEmpty() ? value("eaEmpID") : employee,
+                            date("eaStartDate"), date("eaEndDate"), value("eaPresent"),
+                            value("eaLeaves"), value("eaAbsent"));
     if (!value("eaRemarks").isEmpty())
         line += QStringLiteral(" · remarks \"%1\"").arg(value("eaRemarks"));
     if (value("eaCancelled") == QLatin1String("1"))
@@ -114,6 +117,20 @@ frmHistory::frmHistory(qint32 entryId, QWidget* parent) : QDialog(parent) {
             tr("The history could not be read: %1")
                 .arg(db::failedStatementMessage(e).value_or(QString::fromUtf8(e.what()))));
     }
+    // Employees by name; an entry's employee rarely changes, so each is read once.
+    QHash<QString, QString> employees;
+    const auto employeeOf = [&employees](const std::optional<history::EntryVersion>& v) {
+        const QString id = v ? v->value(u"eaEmpID").value_or(QString()) : QString();
+        if (id.isEmpty()) return QString();
+        if (!employees.contains(id)) {
+            try {
+                employees.insert(id, history::employeeLabel(gadocon, gintCompanyID, id.toInt()));
+            } catch (const std::exception&) {
+                employees.insert(id, QString());  // the identifier stands
+            }
+        }
+        return employees.value(id);
+    };
     for (const history::HistoryRecord& r : records) {
         Shown s;
         s.when = dateText(r.at.date()) + QLatin1Char(' ') +
@@ -126,12 +143,13 @@ frmHistory::frmHistory(qint32 entryId, QWidget* parent) : QDialog(parent) {
                     : idText(r.newId);
         if ((r.action == history::Action::Created || r.action == history::Action::Imported) &&
             r.after)
-            s.words = {history::versionSummary(*r.after)};
+            s.words = {history::versionSummary(*r.after, employeeOf(r.after))};
         else if (r.after)
             s.words = history::changesInWords(
                 history::versionChanges(r.before ? &*r.before : nullptr, *r.after));
         if (s.words.isEmpty()) s.words = {tr("Saved without changes")};
         s.entry = r.after;
+        s.employee = employeeOf(r.after);
         m_shown.append(s);
     }
     // An entry saved before history was kept: its oldest state is the first edit's "before".
@@ -143,6 +161,7 @@ frmHistory::frmHistory(qint32 entryId, QWidget* parent) : QDialog(parent) {
         s.ids = idText(records.last().oldId);
         s.words = {tr("As stored before its history was kept")};
         s.entry = records.last().before;
+        s.employee = employeeOf(records.last().before);
         m_shown.append(s);
     }
 
@@ -157,10 +176,11 @@ frmHistory::frmHistory(qint32 entryId, QWidget* parent) : QDialog(parent) {
         records.isEmpty() ? QString::number(entryId) : records.first().attendanceNo;
     setWindowTitle(tr("History of %1").arg(number));
     if (lblEntry->text().isEmpty())
-        lblEntry->setText(records.isEmpty() ? tr("No history is recorded for entry %1.").arg(number)
-                                            : tr("%1: %n version(s), newest first", nullptr,
-                                                 static_cast<int>(records.size()))
-                                                  .arg(number));
+        lblEntry->setText(
+            records.isEmpty() ? tr("No history is recorded for entry %1.").arg(number)
+            : records.size() == 1
+                ? tr("%1: 1 version").arg(number)
+                : tr("%1: %2 versions, newest first").arg(number).arg(records.size()));
 
     connect(grdVersions, &QTableWidget::currentCellChanged, this,
             [this](int row) { showVersion(row); });
@@ -185,7 +205,7 @@ void frmHistory::showVersion(int row) {
         lblVersionHeader->setText(tr("The entry of this version could not be read."));
         return;
     }
-    lblVersionHeader->setText(headerLine(*s.entry));
+    lblVersionHeader->setText(headerLine(*s.entry, s.employee));
     const QList<history::VersionDay> days = history::versionDays(*s.entry);
     grdVersionDays->setRowCount(static_cast<int>(days.size()));
     for (int r = 0; r < days.size(); ++r)

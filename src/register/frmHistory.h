@@ -42,6 +42,7 @@ private:
         QString ids;
         QStringList words;
         std::optional<history::EntryVersion> entry;
+        QString employee;  // number and name, or empty
     };
     QList<Shown> m_shown;
 };
