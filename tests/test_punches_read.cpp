@@ -699,6 +699,24 @@ TEST(PunchReaderStream, AnyCutOfTheBytesGivesTheSameResult) {
     }
 }
 
+TEST(PunchReaderStream, ABadByteAtACutReadsAsInOnePiece) {
+    // A lead byte whose sequence never comes, followed by digits: cut right after it, the
+    // digits must stay what they are in one piece.
+    const QByteArray bytes =
+        "42\t2026-03\xCB"
+        "02 08:00:00\t1\t0\n42\t2026-03-02 12:00:00\t1\t1\n";
+    const ReadResult whole = readPunchBytes(bytes);
+    ASSERT_EQ(whole.problems.count(ProblemKind::UnreadableDateTime), 1);
+    for (qsizetype cut = 1; cut < bytes.size(); ++cut) {
+        PunchReader reader;
+        reader.feed(QByteArrayView(bytes).first(cut));
+        reader.feed(QByteArrayView(bytes).sliced(cut));
+        const ReadResult r = reader.finish();
+        EXPECT_EQ(describeProblems(r.problems), describeProblems(whole.problems)) << cut;
+        EXPECT_EQ(described(r), described(whole)) << cut;
+    }
+}
+
 TEST(PunchReaderStream, AFinishedReaderIsSpent) {
     PunchReader reader;
     reader.feed(kLog);

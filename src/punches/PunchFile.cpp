@@ -283,6 +283,28 @@ Direction logDirection(QStringView state) {
     }
 }
 
+// How many bytes at the end of `bytes` begin a character that the next bytes finish.
+qsizetype unfinishedTail(QByteArrayView bytes, QStringConverter::Encoding encoding) {
+    const qsizetype n = bytes.size();
+    if (encoding == QStringConverter::Utf8) {
+        for (qsizetype back = 1; back <= std::min<qsizetype>(3, n); ++back) {
+            const auto b = static_cast<unsigned char>(bytes[n - back]);
+            if ((b & 0xC0) == 0x80) continue;  // a continuation byte: look further back
+            if (b < 0xC0) return 0;            // ASCII: nothing unfinished
+            const int length = b >= 0xF0 ? 4 : b >= 0xE0 ? 3 : 2;
+            return length > back ? back : 0;
+        }
+        return 0;
+    }
+    // UTF-16: an odd byte, and a high surrogate whose low half has not come yet.
+    const qsizetype odd = n % 2;
+    if (n - odd < 2) return odd;
+    const auto hi = static_cast<unsigned char>(bytes[n - odd - 2]);
+    const auto lo = static_cast<unsigned char>(bytes[n - odd - 1]);
+    const unsigned unit = encoding == QStringConverter::Utf16LE ? (lo << 8 | hi) : (hi << 8 | lo);
+    return unit >= 0xD800 && unit <= 0xDBFF ? odd + 2 : odd;
+}
+
 QString columnKey(const QString& name) {
     QString key;
     for (QChar c : name)
@@ -438,6 +460,8 @@ struct PunchReader::State {
     bool encodingKnown = false;
     QByteArray head;
     QStringDecoder decoder;
+    QStringConverter::Encoding encoding = QStringConverter::Utf8;
+    QByteArray carry;  // an unfinished character at the end of the last bytes fed
 
     QString text;  // decoded text not yet cut into lines
     qsizetype pos = 0;
@@ -542,27 +566,40 @@ void PunchReader::State::decideEncoding() {
         return;
     }
     qsizetype skip = 0;
-    QStringConverter::Encoding encoding = QStringConverter::Utf8;
+    QStringConverter::Encoding chosen = QStringConverter::Utf8;
     if (h.startsWith("\xEF\xBB\xBF")) {
         result.encoding = TextEncoding::Utf8WithBom;
         skip = 3;
     } else if (h.startsWith("\xFF\xFE")) {
         result.encoding = TextEncoding::Utf16LE;
-        encoding = QStringConverter::Utf16LE;
+        chosen = QStringConverter::Utf16LE;
         skip = 2;
     } else if (h.startsWith("\xFE\xFF")) {
         result.encoding = TextEncoding::Utf16BE;
-        encoding = QStringConverter::Utf16BE;
+        chosen = QStringConverter::Utf16BE;
         skip = 2;
     }
     // The mark was taken off above; one more at the text's start would be a character.
-    decoder = QStringDecoder(encoding, QStringConverter::Flag::ConvertInitialBom);
+    // Each piece is decoded on its own, an unfinished character being carried over to the
+    // next: the decoder's own memory across pieces treats a bad byte at a piece's end
+    // otherwise than the same byte inside a piece, and the cut must not change the text.
+    encoding = chosen;
+    decoder = QStringDecoder(
+        chosen, QStringConverter::Flag::ConvertInitialBom | QStringConverter::Flag::Stateless);
     decode(QByteArrayView(h).sliced(skip));
 }
 
 void PunchReader::State::decode(QByteArrayView in) {
     if (in.isEmpty()) return;
-    text += decoder.decode(in);
+    QByteArrayView bytesNow = in;
+    QByteArray joined;
+    if (!carry.isEmpty()) {
+        joined = carry + in.toByteArray();
+        bytesNow = joined;
+    }
+    const qsizetype keep = unfinishedTail(bytesNow, encoding);
+    text += decoder.decode(bytesNow.first(bytesNow.size() - keep));
+    carry = bytesNow.last(keep).toByteArray();
     if (!windowChecked) {
         if (text.size() < kWindowChars) return;
         checkWindow();
@@ -870,6 +907,7 @@ void PunchReader::State::csvRecord(int number, const QStringList& fields, QStrin
 ReadResult PunchReader::State::finish() {
     if (!stopped) {
         if (!encodingKnown) decideEncoding();
+        if (!stopped && !carry.isEmpty()) text += decoder.decode(std::exchange(carry, {}));
         if (!stopped && !windowChecked) checkWindow();
         if (!stopped) cutLines(true);
         if (!stopped && mode == Mode::Undecided) decide(true);
