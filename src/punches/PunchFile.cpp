@@ -2,12 +2,13 @@
 
 #include <QFile>
 #include <QFileInfo>
-#include <QHash>
 #include <QLocale>
 #include <QRegularExpression>
 #include <QStringDecoder>
 #include <algorithm>
 #include <optional>
+#include <string_view>
+#include <unordered_map>
 #include <utility>
 
 #include "punches/CsvRecord.h"
@@ -480,8 +481,11 @@ struct PunchReader::State {
     CsvRecord record;
     QVector<Line> recordLines;  // the physical lines of the record in progress
 
-    QHash<QString, QString> codes;  // one copy of each code's text for all its punches
-    QHash<QString, QString> devices;
+    // One copy of each code's and device's text for all their punches. Looked up by the
+    // line's own characters, keyed by a view of the kept copy (which nothing changes).
+    using Pool = std::unordered_map<std::u16string_view, QString>;
+    Pool codes;
+    Pool devices;
     QString lastDevice;
 
     void stop(FileStatus status, const QString& message) {
@@ -510,12 +514,15 @@ struct PunchReader::State {
     void problem(ProblemKind kind, int line, QStringView offending) {
         result.problems.add(kind, line, offending);
     }
-    QString intern(QHash<QString, QString>& pool, QStringView value) {
-        QString key = value.toString();
-        const auto it = pool.constFind(key);
-        if (it != pool.constEnd()) return *it;
-        pool.insert(key, key);
-        return key;
+    static std::u16string_view viewOf(QStringView v) {
+        return {reinterpret_cast<const char16_t*>(v.utf16()), size_t(v.size())};
+    }
+    QString intern(Pool& pool, QStringView value) {
+        const auto it = pool.find(viewOf(value));
+        if (it != pool.end()) return it->second;
+        const QString kept = value.toString();
+        pool.emplace(viewOf(kept), kept);
+        return kept;
     }
     QString device(QStringView value) {
         if (value != lastDevice) lastDevice = intern(devices, value);

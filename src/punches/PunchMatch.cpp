@@ -1,6 +1,8 @@
 #include "punches/PunchMatch.h"
 
 #include <QLocale>
+#include <string_view>
+#include <unordered_map>
 
 namespace qz2::punches {
 
@@ -17,8 +19,7 @@ QString punchCount(int n) {
 // Where the punches of one code go.
 struct Target {
     enum class Kind { Employee, Unknown, Inactive, Ambiguous } kind = Kind::Unknown;
-    qint32 employeeId = 0;
-    int report = -1;  // index into the list of its kind
+    int index = 0;  // Employee: the employee's list; otherwise the report in its list
 };
 
 }  // namespace
@@ -39,59 +40,85 @@ MatchResult matchPunches(QVector<Punch> punches, const QVector<Employee>& employ
     }
 
     MatchResult result;
-    QHash<QString, Target> byRawCode;     // the file's spelling -> where its punches go
-    QHash<QString, Target> byNormalized;  // so that "042" and "42" share one report
-    for (Punch& p : punches) {
-        auto raw = byRawCode.constFind(p.code);
-        if (raw == byRawCode.constEnd()) {
+    QVector<qint32> listOwners;  // the employee of each list
+    QVector<int> listSizes;
+    auto targetOf = [&](const Punch& p, const QString& key) {
+        const QVector<int> candidates = byNumber.value(key);
+        Target t;
+        QVector<CodeReport>* reports = nullptr;
+        if (candidates.size() == 1 && employees[candidates.first()].active) {
+            t.kind = Target::Kind::Employee;
+            t.index = static_cast<int>(listOwners.size());
+            listOwners.append(employees[candidates.first()].id);
+            listSizes.append(0);
+            return t;
+        }
+        if (candidates.size() == 1) {
+            t.kind = Target::Kind::Inactive;
+            reports = &result.inactiveCodes;
+        } else if (candidates.size() > 1) {
+            t.kind = Target::Kind::Ambiguous;
+            reports = &result.ambiguousCodes;
+        } else {
+            reports = &result.unknownCodes;
+        }
+        CodeReport r;
+        r.code = p.code;
+        r.firstLine = p.line;
+        for (int c : candidates) r.employeeIds.append(employees[c].id);
+        t.index = static_cast<int>(reports->size());
+        reports->append(r);
+        return t;
+    };
+
+    // First where each punch goes, so that each employee's list is made once at its size.
+    // byRawCode maps the file's spelling to it, keyed by views of the punches' own codes
+    // (they stay put until the punches are moved below): a std::u16string_view hashes far
+    // faster than QString's seeded hash, and a million punches take a million lookups.
+    std::unordered_map<std::u16string_view, Target> byRawCode;
+    QHash<QString, Target> byNormalized;  // so that "042" and "42" share one target
+    QVector<int> listOf(punches.size(), -1);
+    for (qsizetype i = 0; i < punches.size(); ++i) {
+        const Punch& p = punches.at(i);  // no copy of punches shared with the caller
+        const std::u16string_view spelling(reinterpret_cast<const char16_t*>(p.code.utf16()),
+                                           size_t(p.code.size()));
+        auto raw = byRawCode.find(spelling);
+        if (raw == byRawCode.end()) {
             const QString key = normalizedCode(p.code);
             auto known = byNormalized.constFind(key);
             if (known == byNormalized.constEnd()) {
-                Target t;
-                const QVector<int> candidates = byNumber.value(key);
-                QVector<CodeReport>* reports = nullptr;
-                if (candidates.size() == 1 && employees[candidates.first()].active) {
-                    t.kind = Target::Kind::Employee;
-                    t.employeeId = employees[candidates.first()].id;
-                } else if (candidates.size() == 1) {
-                    t.kind = Target::Kind::Inactive;
-                    reports = &result.inactiveCodes;
-                } else if (candidates.size() > 1) {
-                    t.kind = Target::Kind::Ambiguous;
-                    reports = &result.ambiguousCodes;
-                } else {
-                    t.kind = Target::Kind::Unknown;
-                    reports = &result.unknownCodes;
-                }
-                if (reports) {
-                    CodeReport r;
-                    r.code = p.code;
-                    r.firstLine = p.line;
-                    for (int c : candidates) r.employeeIds.append(employees[c].id);
-                    t.report = static_cast<int>(reports->size());
-                    reports->append(r);
-                }
-                known = byNormalized.insert(key, t);
+                known = byNormalized.insert(key, targetOf(p, key));
             }
-            raw = byRawCode.insert(p.code, *known);
+            raw = byRawCode.emplace(spelling, *known).first;
         }
-        const Target& t = *raw;
+        const Target& t = raw->second;
         switch (t.kind) {
             case Target::Kind::Employee:
-                ++result.matched;
-                result.punchesByEmployee[t.employeeId].append(std::move(p));
+                listOf[i] = t.index;
+                ++listSizes[t.index];
                 break;
             case Target::Kind::Unknown:
-                ++result.unknownCodes[t.report].punches;
+                ++result.unknownCodes[t.index].punches;
                 break;
             case Target::Kind::Inactive:
-                ++result.inactiveCodes[t.report].punches;
+                ++result.inactiveCodes[t.index].punches;
                 break;
             case Target::Kind::Ambiguous:
-                ++result.ambiguousCodes[t.report].punches;
+                ++result.ambiguousCodes[t.index].punches;
                 break;
         }
     }
+
+    QVector<QVector<Punch>> lists(listOwners.size());
+    for (qsizetype l = 0; l < lists.size(); ++l) lists[l].reserve(listSizes[l]);
+    for (qsizetype i = 0; i < punches.size(); ++i) {
+        if (listOf[i] < 0) continue;
+        lists[listOf[i]].append(std::move(punches[i]));
+        ++result.matched;
+    }
+    result.punchesByEmployee.reserve(lists.size());
+    for (qsizetype l = 0; l < lists.size(); ++l)
+        result.punchesByEmployee.insert(listOwners[l], std::move(lists[l]));
     return result;
 }
 
