@@ -28,7 +28,7 @@ bool closesNightShift(const QDateTime& in, const QDateTime& out, const PairingOp
 
 class Days {
 public:
-    Days(const PairingOptions& o) : options_(o) {
+    explicit Days(const PairingOptions& o) : options_(o) {
         const qint64 n = o.from.daysTo(o.to) + 1;
         days_.resize(n);
         for (qint64 i = 0; i < n; ++i) days_[i].date = o.from.addDays(i);

@@ -6,6 +6,8 @@
 //   read together give what one file gives. Then, in time order, a punch less than
 //   `duplicateMinutes` after the last kept punch is dropped (whatever its direction) and
 //   counted on its own date; each kept punch is thus at least that long after the one before.
+//   With 0 (or less) only the punches that count once are set aside. A punch without a
+//   valid date and time is not used.
 // - Kept punches are walked in time order with at most one pair open. A check-in opens a
 //   pair; a check-in while one is open leaves that one without its check-out. A check-out
 //   closes the open pair; with none open it is kept on its date as a check-out without a
