@@ -71,6 +71,7 @@ void expectSane(const ReadResult& r, const QByteArray& input) {
     EXPECT_FALSE(r.message.isEmpty()) << where;
     if (r.status != FileStatus::Read) {
         EXPECT_TRUE(r.punches.isEmpty()) << where;
+        EXPECT_TRUE(r.problems.isEmpty()) << where;
     }
     int previous = 0;
     for (const Punch& p : r.punches) {

@@ -657,6 +657,22 @@ TEST(PunchFileOnDisk, AFileAboveTheLimitIsRefusedUnread) {
     EXPECT_EQ(readPunchFile(path).status, FileStatus::Binary);
 }
 
+TEST(PunchFileOnDisk, AFileGivenUpOnKeepsNothingOfWhatWasRead) {
+    // A device line, a bad line and punches are read before the stream grows past the
+    // limit: the result keeps none of them.
+    QByteArray bytes = "Gate 1\n42\t2026-02-30 08:00:00\t1\t0\n";
+    while (bytes.size() < 100000) bytes += "42\t2026-03-02 08:00:00\t1\t0\n";
+    PunchReader reader;
+    reader.feed(bytes);
+    const QByteArray spaces(1024 * 1024, ' ');
+    while (reader.wantsMore()) reader.feed(spaces);
+    const ReadResult r = reader.finish();
+    EXPECT_EQ(r.status, FileStatus::TooLarge);
+    EXPECT_TRUE(r.punches.isEmpty());
+    EXPECT_TRUE(r.problems.isEmpty());
+    EXPECT_TRUE(r.deviceLine.isEmpty());
+}
+
 TEST(PunchFileOnDisk, BytesFedPastTheLimitAreRefused) {
     // A stream whose size is not known beforehand: one line without end that never stops.
     PunchReader reader;

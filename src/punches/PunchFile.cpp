@@ -492,8 +492,12 @@ struct PunchReader::State {
         stopped = true;
         result.status = status;
         result.message = message;
+        // A file given up on gives nothing of what was read before.
         result.punches.clear();
         result.punches.squeeze();
+        result.problems = {};
+        result.deviceLine.clear();
+        result.totalsLine.clear();
         early.clear();
         text.clear();
         pos = 0;
