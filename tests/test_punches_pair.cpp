@@ -16,10 +16,11 @@ using namespace qz2::punches;
 namespace {
 
 QDateTime t(const char* text) {
+    // "yyyy-MM-dd HH:mm" or "yyyy-MM-dd HH:mm:ss", as the reader gives it: wall time in UTC.
     const QString s = QString::fromLatin1(text);
-    QDateTime at = QDateTime::fromString(s, s.size() > 16 ? QStringLiteral("yyyy-MM-dd HH:mm:ss")
-                                                          : QStringLiteral("yyyy-MM-dd HH:mm"));
-    at.setTimeSpec(Qt::UTC);
+    const QDateTime at(QDate::fromString(s.left(10), Qt::ISODate),
+                       QTime::fromString(s.mid(11), s.size() > 16 ? u"HH:mm:ss" : u"HH:mm"),
+                       Qt::UTC);
     EXPECT_TRUE(at.isValid()) << text;
     return at;
 }

@@ -15,10 +15,9 @@ using namespace qz2::punches;
 namespace {
 
 QDateTime at(const char* text) {
-    QDateTime t =
-        QDateTime::fromString(QString::fromLatin1(text), QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-    t.setTimeSpec(Qt::UTC);
-    return t;
+    const QString s = QString::fromLatin1(text);
+    return QDateTime(QDate::fromString(s.left(10), Qt::ISODate),
+                     QTime::fromString(s.mid(11), u"HH:mm:ss"), Qt::UTC);
 }
 
 QByteArray encoded(const QString& text, QStringConverter::Encoding encoding) {
@@ -76,7 +75,7 @@ TEST(PunchLog, ReadsCodeDateTimeDeviceAndDirectionOfEveryState) {
     EXPECT_TRUE(r.problems.isEmpty());
     EXPECT_EQ(r.lines, 7);
     EXPECT_EQ(r.punches.first().at, at("2026-03-02 08:00:00"));
-    EXPECT_EQ(r.punches.first().at.timeSpec(), Qt::UTC);
+    EXPECT_EQ(r.punches.first().at.toString(Qt::ISODate), "2026-03-02T08:00:00Z");
     EXPECT_EQ(r.message, "7 punches read from the time-clock log.");
 }
 

@@ -25,7 +25,7 @@ CsvRecord::Step CsvRecord::addLine(QStringView line) {
         clear();
         done_ = false;
     } else {
-        // A quoted field went on past the previous line: its line break is part of it.
+        // A quoted field went on past the previous line: its line break belongs to it.
         field_ += QLatin1Char('\n');
     }
     ++lines_;

@@ -67,7 +67,7 @@ struct PunchPair {
 struct PunchDay {
     QDate date;
     QVector<PunchPair> pairs;           // at most kMaxPairsPerDay, by check-in
-    QVector<PunchPair> pairsBeyondSix;  // not part of the day; listed for the clerk to see
+    QVector<PunchPair> pairsBeyondSix;  // not kept for the day; listed for the clerk to see
     QVector<QDateTime> checkOutsWithoutCheckIn;
     int duplicatesDropped = 0;
     DayFlags flags;
