@@ -14,14 +14,15 @@
 namespace qz2::host {
 
 DatabaseOptions databaseOptions() {
-    return {QCommandLineOption(QStringLiteral("database"),
-                               QStringLiteral("SQLite database file to use."), QStringLiteral("FILE")),
-            QCommandLineOption(QStringLiteral("odbc"),
-                               QStringLiteral("ODBC connection string of a SQL Server database."),
-                               QStringLiteral("CONNECTION STRING")),
-            QCommandLineOption(QStringLiteral("company"),
-                               QStringLiteral("Company identifier (default 1)."),
-                               QStringLiteral("ID"), QStringLiteral("1"))};
+    return {
+        QCommandLineOption(QStringLiteral("database"),
+                           QStringLiteral("SQLite database file to use."), QStringLiteral("FILE")),
+        QCommandLineOption(QStringLiteral("odbc"),
+                           QStringLiteral("ODBC connection string of a SQL Server database."),
+                           QStringLiteral("CONNECTION STRING")),
+        QCommandLineOption(QStringLiteral("company"),
+                           QStringLiteral("Company identifier (default 1)."), QStringLiteral("ID"),
+                           QStringLiteral("1"))};
 }
 
 std::optional<qint16> sixteenBitId(const QString& text) {
@@ -92,6 +93,10 @@ QStringList odbcSessionStatements(const qz2::db::Dialect& dialect) {
     return {QStringLiteral("set dateformat mdy")};
 }
 
+QString demoPunchesPath(const QString& demoFile) {
+    return QFileInfo(demoFile).absolutePath() + QStringLiteral("/demo-punches.txt");
+}
+
 std::optional<QSqlDatabase> openAttendanceDatabase(const DatabaseChoice& choice, QDate processDate,
                                                    const QString& connectionName, QString& error,
                                                    bool* created) {
@@ -109,8 +114,8 @@ std::optional<QSqlDatabase> openAttendanceDatabase(const DatabaseChoice& choice,
                 qz2::db::execute(db, statement);
         } catch (const qz2::db::DbError& e) {
             db.close();
-            error = QStringLiteral("cannot prepare the database session: %1")
-                        .arg(oneLine(e.message()));
+            error =
+                QStringLiteral("cannot prepare the database session: %1").arg(oneLine(e.message()));
             return std::nullopt;
         }
         return db;
@@ -140,6 +145,8 @@ std::optional<QSqlDatabase> openAttendanceDatabase(const DatabaseChoice& choice,
         try {
             qz2::demo::createSchema(db);
             qz2::demo::generate(db, processDate);
+            // The time clocks' log of the month the demo leaves for the clerk, beside it.
+            qz2::demo::writeDemoPunches(db, processDate, demoPunchesPath(file));
         } catch (const std::exception& e) {
             db.close();
             QFile::remove(file);

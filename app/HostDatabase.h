@@ -37,6 +37,8 @@ QString sqliteFileProblem(const QString& file);
 
 // The demo database's place in the user's data folder.
 QString defaultDemoPath();
+// The demo's punch file, written beside the demo database when it is created.
+QString demoPunchesPath(const QString& demoFile);
 
 // What the host sends on every ODBC connection it opens, before the module uses it. The
 // module's SQL Server statements write dates as "mm/dd/yyyy" and "yyyy/mm/dd", which SQL

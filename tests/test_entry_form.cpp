@@ -359,6 +359,8 @@ TEST_F(FormFixture, TabOrderFollowsTheWorkOfTheClerk) {
                                    form.dtpEndDate,
                                    form.lstAbsentDays,
                                    form.cmdPopulateRecords,
+                                   // Punches come after Populate, before the days they fill.
+                                   form.cmdImportPunches,
                                    form.mfgAttendance,
                                    form.mfgCheckinCheckOut,
                                    form.chkAllowanceDeductions,

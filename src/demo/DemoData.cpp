@@ -1037,6 +1037,114 @@ void generate(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
     inTransaction(db, [&] { generateDemo(db, processDate, scale); });
 }
 
+void writeDemoPunches(const QSqlDatabase& db, QDate processDate, const QString& path) {
+    const QDate first(processDate.year(), processDate.month(), 1);
+    const QDate last = processDate.addDays(-1);
+    // Who punches: the active staff of company 1 with entries, as the register lists them.
+    QSqlQuery staff(db);
+    if (!staff.exec(
+            QStringLiteral("select e.eEmpID,e.eEmpNo from pEmployee e where e.eCompanyID=1 and "
+                           "e.eActive=1 and exists (select 1 from pEmployeeAttendence a where "
+                           "a.eaCompanyID=1 and a.eaEmpID=e.eEmpID) order by e.eEmpID")))
+        fail(QStringLiteral("Reading the staff"), staff.lastError());
+    std::vector<std::pair<int, QString>> people;
+    while (staff.next()) people.emplace_back(staff.value(0).toInt(), staff.value(1).toString());
+    QSet<QDate> holidays;
+    QSqlQuery h(db);
+    if (!h.exec(QStringLiteral("select HolidayDate from pCalenderDetail where companyid=1")))
+        fail(QStringLiteral("Reading the holidays"), h.lastError());
+    while (h.next())
+        holidays.insert(QDate::fromString(h.value(0).toString().left(10), Qt::ISODate));
+    QSet<std::pair<int, QDate>> onLeave;
+    QSqlQuery l(db);
+    if (!l.exec(QStringLiteral(
+            "select h.lrhempid,d.lrdFromDate,d.lrdToDate from pleaveregisterheader h join "
+            "pleaveregisterDetail d on d.lrdCompanyID=h.lrhCompanyID and d.lrdID=h.lrhID "
+            "where h.lrhCompanyID=1 and h.lrhcancelled=0")))
+        fail(QStringLiteral("Reading the leaves"), l.lastError());
+    while (l.next()) {
+        const QDate from = QDate::fromString(l.value(1).toString().left(10), Qt::ISODate);
+        const QDate to = QDate::fromString(l.value(2).toString().left(10), Qt::ISODate);
+        for (QDate d = from; d.isValid() && d <= to; d = d.addDays(1))
+            onLeave.insert({l.value(0).toInt(), d});
+    }
+
+    Rng rng(kInterfaceId + processDate.month());
+    const WeekSchedule week = demoSchedule();
+    struct Line {
+        QDateTime at;
+        QString code;
+        int state;
+    };
+    std::vector<Line> lines;
+    const auto punch = [&lines](const QString& code, QDate d, int minutes, int seconds, int state) {
+        lines.push_back(
+            {QDateTime(d, QTime(0, 0), Qt::UTC).addSecs(minutes * 60 + seconds), code, state});
+    };
+    // The employees with a particular day: the first double-taps, the second forgets a
+    // check-out, the third works one night, the fourth's clock says no direction one day.
+    const auto workingDayFrom = [&](QDate from) {
+        for (QDate d = from; d.isValid() && d <= last; d = d.addDays(1))
+            if (!holidays.contains(d) && !week[static_cast<std::size_t>(dayId(d))].empty())
+                return d;
+        return QDate();
+    };
+    const QDate special = workingDayFrom(first);  // the first working day of the month
+    for (std::size_t i = 0; i < people.size(); ++i) {
+        const auto& [id, code] = people[i];
+        // The night shift: the third employee's first working day after the first, off leave.
+        QDate night;
+        for (QDate d = special.isValid() ? workingDayFrom(special.addDays(1)) : QDate();
+             i == 2 && d.isValid() && !night.isValid(); d = workingDayFrom(d.addDays(1)))
+            if (!onLeave.contains({id, d})) night = d;
+        for (QDate d = first; d <= last; d = d.addDays(1)) {
+            const DaySchedule& pairs = week[static_cast<std::size_t>(dayId(d))];
+            if (pairs.empty() || holidays.contains(d) || onLeave.contains({id, d})) continue;
+            if (i == 2 && d == night) {
+                // A night at the gate instead of the day: from 21:50 to 06:05 the next morning.
+                punch(code, d, 21 * 60 + 50, 12, 0);
+                punch(code, d.addDays(1), 6 * 60 + 5, 40, 1);
+                continue;
+            }
+            for (std::size_t p = 0; p < pairs.size(); ++p) {
+                const int in = pairs[p].first + (p == 0 ? rng.range(-10, 15) : rng.range(-4, 6));
+                const int out = pairs[p].second +
+                                (p + 1 == pairs.size() ? rng.range(-10, 25) : rng.range(-4, 4));
+                const bool noDirection = i == 3 && d == special;
+                punch(code, d, in, rng.range(0, 59), noDirection ? 255 : 0);
+                if (i == 0 && d == special && p == 0) punch(code, d, in, 50, 0);  // pressed twice
+                if (i == 1 && d == special && p + 1 == pairs.size())
+                    continue;  // left without punching out
+                punch(code, d, out, rng.range(0, 59), noDirection ? 255 : 1);
+            }
+        }
+    }
+    // Badges nobody has: a visitor's and one the clock misread.
+    if (special.isValid()) {
+        punch(QStringLiteral("V001"), special, 10 * 60, 5, 0);
+        punch(QStringLiteral("V001"), special, 11 * 60 + 30, 9, 1);
+        punch(QStringLiteral("E9999"), special, 8 * 60 + 57, 31, 0);
+    }
+    std::stable_sort(lines.begin(), lines.end(),
+                     [](const Line& a, const Line& b) { return a.at < b.at; });
+
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        throw std::runtime_error("cannot write " + path.toStdString() + ": " +
+                                 file.errorString().toStdString());
+    QByteArray text = "Gate clock 1\tSN 0142\r\n";
+    for (const Line& line : lines)
+        text += QStringLiteral("%1\t%2\t1\t%3\t0\t0\r\n")
+                    .arg(line.code, 9)
+                    .arg(line.at.toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")))
+                    .arg(line.state)
+                    .toUtf8();
+    text += QStringLiteral("Total: %1\r\n").arg(lines.size()).toUtf8();
+    if (file.write(text) != text.size() || !file.flush())
+        throw std::runtime_error("cannot write " + path.toStdString() + ": " +
+                                 file.errorString().toStdString());
+}
+
 void generateBenchmark(QSqlDatabase& db, QDate processDate, const BenchScale& scale) {
     if (!processDate.isValid())
         throw std::invalid_argument("generateBenchmark: the process date is not valid");

@@ -81,4 +81,16 @@ void generate(QSqlDatabase& db, QDate processDate, const DemoScale& scale = {});
 // unusable scale.
 void generateBenchmark(QSqlDatabase& db, QDate processDate, const BenchScale& scale);
 
+// The time clocks' attendance log of the demo company for the process date's month, from
+// its first day to the day before the process date (the month the demo leaves for the
+// clerk): one punch a line, TAB-separated (code left-padded with blanks, "yyyy-MM-dd
+// HH:mm:ss", device, state 0 in / 1 out / 255 none, two further numbers), after a line that
+// names the clock and before a line of totals. Every active employee of company 1 with
+// entries punches each scheduled pair of their working days (not on holidays or approved
+// leave days), a few minutes either way; on top, one double tap (a duplicate), one
+// forgotten check-out, one night shift past midnight, one day without directions, and a
+// few punches of codes no employee has. Deterministic. Throws std::runtime_error when the
+// database cannot be read or the file cannot be written.
+void writeDemoPunches(const QSqlDatabase& db, QDate processDate, const QString& path);
+
 }  // namespace qz2::demo

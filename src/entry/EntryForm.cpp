@@ -153,6 +153,9 @@ void frmEmployeeDailyAttendance::buildControls() {
     lstAbsentDays->setMinimumWidth(
         lstAbsentDays->fontMetrics().horizontalAdvance(QStringLiteral("0000/00/00")) + 56);
     cmdPopulateRecords = button(mid, "cmdPopulateRecords", tr("&Populate"));
+    cmdImportPunches = button(mid, "cmdImportPunches", tr("Import p&unches..."));
+    cmdImportPunches->setToolTip(
+        tr("After Populate: lay the employee's time-clock punches from a file onto the period"));
     mfgAttendance = named(new FlexGrid(mid), "mfgAttendance");
     mfgCheckinCheckOut = named(new FlexGrid(mid), "mfgCheckinCheckOut");
     mfgMirrorGrid = named(new FlexGrid(mid), "mfgMirrorGrid");
@@ -229,6 +232,7 @@ void frmEmployeeDailyAttendance::buildLayout() {
     absentBox->addWidget(buddyLabel(tr("&Absent days:"), lstAbsentDays, absentPane));
     absentBox->addWidget(lstAbsentDays, 1);
     absentBox->addWidget(cmdPopulateRecords);
+    absentBox->addWidget(cmdImportPunches);
 
     auto* dayPane = new QWidget(fraGridContainer);
     auto* dayBox = new QVBoxLayout(dayPane);
@@ -321,8 +325,9 @@ void frmEmployeeDailyAttendance::connectEvents() {
         w->installEventFilter(this);
     // Enter on a focused button presses it (the buttons are no dialog defaults, so Enter
     // elsewhere never does).
-    for (QPushButton* b : {cmdEmployee, cmdPopulateRecords, cmdOK, cmdCancel})
+    for (QPushButton* b : {cmdEmployee, cmdPopulateRecords, cmdImportPunches, cmdOK, cmdCancel})
         b->installEventFilter(this);
+    connect(cmdImportPunches, &QPushButton::clicked, this, [this] { cmdImportPunches_Click(); });
     connectPopulateEvents();
     connectPairEvents();
     connectDayEvents();
@@ -338,6 +343,7 @@ void frmEmployeeDailyAttendance::applyTabOrder() {
                                    dtpEndDate,
                                    lstAbsentDays,
                                    cmdPopulateRecords,
+                                   cmdImportPunches,
                                    mfgAttendance,
                                    // From a day straight to its times.
                                    mfgCheckinCheckOut,
@@ -350,6 +356,10 @@ void frmEmployeeDailyAttendance::applyTabOrder() {
 }
 
 bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
+    // Punches are laid onto what could be saved: the import button follows OK (an opened
+    // entry that is cancelled or locked by payroll takes neither).
+    if (watched == cmdOK && event->type() == QEvent::EnabledChange)
+        cmdImportPunches->setEnabled(cmdOK->isEnabled());
     if (event->type() == QEvent::KeyPress && isMenuKey(static_cast<QKeyEvent*>(event))) {
         // The half-day popup of the current day and the Delete popup of the current pair,
         // from the keyboard, as the right button shows them.

@@ -270,6 +270,17 @@ public:
     QAction* mnuHalfDay;
     QPushButton* cmdOK;
     QPushButton* cmdCancel;
+    QPushButton* cmdImportPunches;
+
+    // ---- Punches from time clocks ----------------------------------------------------
+    // "Import punches...": asks for a punch file, then fnImportPunches.
+    void cmdImportPunches_Click();
+    // Lays the employee's punches of the file onto the populated period: each day with
+    // punches gets them as its pairs, hours and counts are worked out as for typed times,
+    // and the clerk reads a summary (flagged days, night shifts, working days without a
+    // punch, which may be ticked absent there). Nothing is saved. False when nothing was
+    // laid on; the clerk was told why.
+    bool fnImportPunches(const QString& path);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

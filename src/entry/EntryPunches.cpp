@@ -1,0 +1,138 @@
+// Import punches: the employee's time-clock punches of a file laid onto the populated
+// period. The file is read, matched and paired by src/punches; the form only hands over
+// its grids and shows what happened. Nothing is saved until OK.
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QPushButton>
+
+#include "entry/EntryRules.h"
+#include "entry/frmEmployeeDailyAttendance.h"
+#include "entry/frmPunchSummary.h"
+#include "punches/PunchFile.h"
+#include "punches/PunchImport.h"
+#include "punches/PunchMatch.h"
+#include "punches/PunchPairs.h"
+#include "punches/PunchStore.h"
+#include "rules/DayTypes.h"
+#include "rules/Hours.h"
+#include "shared/BasAttendence.h"
+#include "shared/FlexGrid.h"
+#include "shared/MsgBox.h"
+
+namespace qz2 {
+
+namespace {
+
+const QString kMsgPopulateFirst =
+    QStringLiteral("Populate the period first; the punches are then laid onto its days.");
+
+}  // namespace
+
+void frmEmployeeDailyAttendance::cmdImportPunches_Click() {
+    if (mfgAttendance->Rows() <= 1) {
+        MsgBox(kMsgPopulateFirst, MsgButtons::Ok, MsgIcon::Information);
+        cmdPopulateRecords->setFocus();
+        return;
+    }
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("Import punches"), QString(),
+                                     tr("Punch files (*.txt *.dat *.log *.csv);;All files (*)"));
+    if (!path.isEmpty()) fnImportPunches(path);
+}
+
+bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
+    if (mfgAttendance->Rows() <= 1 || cboEmpname->currentIndex() < 0) {
+        MsgBox(kMsgPopulateFirst, MsgButtons::Ok, MsgIcon::Information);
+        cmdPopulateRecords->setFocus();
+        return false;
+    }
+    if (m_unfinished != Step::None) {
+        MsgBox(entry::kMsgStepUnfinished, MsgButtons::Ok, MsgIcon::Information);
+        cmdPopulateRecords->setFocus();
+        return false;
+    }
+    const std::optional<QDate> start = parseDmy(txtStartDate->text().trimmed());
+    if (!start) return false;
+    const WaitCursor wait;
+
+    const punches::ReadResult read = punches::readPunchFile(path);
+    if (!read.ok()) {
+        QStringList why{read.message};
+        why << punches::describeProblems(read.problems);
+        MsgBox(why.join(QLatin1Char('\n')), MsgButtons::Ok, MsgIcon::Information);
+        return false;
+    }
+    const qint32 employee = cboEmpname->currentData().toInt();
+    punches::MatchResult match;
+    try {
+        match = punches::matchPunches(read.punches,
+                                      punches::readCompanyEmployees(gadocon, gintCompanyID));
+    } catch (const std::exception& e) {
+        MsgBox(db::failedStatementMessage(e).value_or(QString::fromUtf8(e.what())), MsgButtons::Ok,
+               MsgIcon::Information);
+        return false;
+    }
+    const QVector<punches::Punch> mine = match.punchesByEmployee.value(employee);
+    if (mine.isEmpty()) {
+        MsgBox(tr("The file has no punches of %1. Nothing was changed.")
+                   .arg(cboEmpname->currentText().trimmed()),
+               MsgButtons::Ok, MsgIcon::Information);
+        return false;
+    }
+
+    punches::PairingOptions options;
+    options.from = *start;
+    options.to = dtpEndDate->date();
+    options.businessDate = gdtProcessDate;
+    const punches::ImportPlan plan =
+        punches::planImport(*mfgAttendance->flexModel(), punches::pairPunches(mine, options));
+
+    // Days whose times change lose a claim made on their old times: the clerk claims the
+    // new difference again.
+    QVector<QDate> changed;
+    for (const punches::DayImport& d : plan.days)
+        if (!d.pairs.isEmpty()) changed.append(d.date);
+    FlexGridModel& days = *mfgAttendance->flexModel();
+    for (int r = 1; r < days.Rows(); ++r) {
+        const std::optional<QDate> day = rules::cellDate(days.TextMatrix(r, colDate));
+        if (day && changed.contains(*day)) days.setTextMatrix(r, colAllowanceType, QString());
+    }
+    punches::applyImport(*mfgMirrorGrid->flexModel(), plan);
+    fnCalculateTotalHours();
+    fnFindtheAdditionalWorkingHours();
+    fnCountDayTypes();
+    mfgAttendance_Click();  // the day shown follows its new pairs
+
+    QStringList summary = punches::importSummary(plan);
+    const QStringList problems = punches::describeProblems(read.problems);
+    if (!problems.isEmpty()) summary << tr("Lines of the file that were not read:") << problems;
+    frmPunchSummary dialog(summary, plan.workingDaysWithoutPunches, this);
+    if (dialog.run() == QDialog::Accepted) {
+        const QVector<QDate> absent = dialog.fnTickedDays();
+        if (!absent.isEmpty()) {
+            // Ticked in the absent-day list too, so that Populate again keeps them absent.
+            for (int i = 0; i < lstAbsentDays->count(); ++i) {
+                QListWidgetItem* item = lstAbsentDays->item(i);
+                const QVariant kept = item->data(Qt::UserRole);
+                const std::optional<TimeValue> listed = parseTimeValue(item->text());
+                const QDate day = kept.typeId() == QMetaType::QDate ? kept.toDate()
+                                  : listed                          ? listed->date()
+                                                                    : QDate();
+                if (absent.contains(day)) item->setCheckState(Qt::Checked);
+            }
+            punches::markDaysAbsent(days, *mfgMirrorGrid->flexModel(), absent);
+            fnCalculateTotalHours();
+            fnFindtheAdditionalWorkingHours();
+            fnCountDayTypes();
+            mfgAttendance_Click();
+        }
+    }
+    return true;
+}
+
+}  // namespace qz2
