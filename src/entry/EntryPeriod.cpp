@@ -42,6 +42,7 @@ void frmEmployeeDailyAttendance::cboEmpname_Click() {
     }
     const WaitCursor wait;
     m_readError.clear();
+    m_punchesImported = false;  // the days are cleared with the employee
     try {
         lngEmployeeID = cboEmpname->currentData().toInt();
         // Nothing of the previous employee may stay on the form: days, pairs, counts, claim.

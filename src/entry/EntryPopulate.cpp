@@ -134,6 +134,8 @@ void putBack(FlexGrid& grid, const QList<QStringList>& rows) {
 void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
     const WaitCursor wait;
     m_readError.clear();
+    // A new entry's days are laid out afresh: punches laid on before are gone from them.
+    if (isNewMode()) m_punchesImported = false;
     // An opened entry is put back as it was when a read fails; a new entry's half-made
     // rows are cleared.
     const QList<QStringList> daysBefore = gridRows(*mfgAttendance);

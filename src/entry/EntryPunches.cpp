@@ -107,6 +107,7 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
     fnFindtheAdditionalWorkingHours();
     fnCountDayTypes();
     mfgAttendance_Click();  // the day shown follows its new pairs
+    m_punchesImported = true;
 
     QStringList summary = punches::importSummary(plan);
     const QStringList problems = punches::describeProblems(read.problems);

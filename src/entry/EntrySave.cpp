@@ -98,8 +98,9 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
     try {
         // Even the checks' reads may meet another saver's commit: wait for it from the start.
         ensureLockWait(d);
-        if (editMode && fnIsMonthlyEntryOverlapping(employee, rules::requiredDate(txtStartDate->text()),
-                                                    dtpEndDate->date())) {
+        if (editMode &&
+            fnIsMonthlyEntryOverlapping(employee, rules::requiredDate(txtStartDate->text()),
+                                        dtpEndDate->date())) {
             MsgBox(QStringLiteral("Monthly entry done. Canot Modify."), MsgButtons::Ok,
                    MsgIcon::Information);
             return;
@@ -109,7 +110,7 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
         helper->strTableName = LinkedTableNames.pSettings;
         const bool rateFromMaster =
             db::isOn(helper->fnReturnField(QStringLiteral("PerHourRateFromEmployeeMaster"),
-                                       entry::savesql::rateSettingCondition(gintCompanyID)));
+                                           entry::savesql::rateSettingCondition(gintCompanyID)));
         helper->strTableName = LinkedTableNames.pemployee;
         const QVariant rateField =
             helper->fnReturnField(QStringLiteral("PerHourRate"),
@@ -164,7 +165,8 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
 
             // The entry as stored before the edit, for its history, read before it is deleted.
             history::VersionRecorder version = history::VersionRecorder::begin(
-                gadocon, gintCompanyID, editMode ? std::optional<qint32>(lngAttendanceID) : std::nullopt);
+                gadocon, gintCompanyID,
+                editMode ? std::optional<qint32>(lngAttendanceID) : std::nullopt);
             if (editMode) {
                 db::execute(gadocon,
                             entry::savesql::deleteAllowanceLines(gintCompanyID, lngAttendanceID));
@@ -176,10 +178,9 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
                 editMode ? txtAttNo->text().trimmed() : fnGenerateAttendanceNo();
             // A number is never given twice: one already stored (hand-keyed, or left by a
             // broken sequence) stops the save rather than making a second entry with it.
-            if (!editMode &&
-                db::scalar(gadocon, entry::savesql::attendanceNoTakenQuery(gintCompanyID,
-                                                                          attendanceNo))
-                        .toLongLong() > 0)
+            if (!editMode && db::scalar(gadocon, entry::savesql::attendanceNoTakenQuery(
+                                                     gintCompanyID, attendanceNo))
+                                     .toLongLong() > 0)
                 throw rules::SaveDataError(
                     QStringLiteral("The attendance number %1 is already taken. Nothing was saved.")
                         .arg(attendanceNo)
@@ -191,8 +192,8 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
             entry::savesql::InsertCommand header(gadocon, entry::savesql::headerInsert());
             header.execute(
                 {QVariant(gintCompanyID), QVariant(newId), QVariant(attendanceNo),
-                 entry::savesql::dateValue(d, rules::requiredDate(txtAttdate->text())), QVariant(employee),
-                 QVariant(val(txtNoPresent->text().trimmed())),
+                 entry::savesql::dateValue(d, rules::requiredDate(txtAttdate->text())),
+                 QVariant(employee), QVariant(val(txtNoPresent->text().trimmed())),
                  QVariant(val(txtNoLeave->text().trimmed())),
                  QVariant(val(txtNoAbsent->text().trimmed())), QVariant(0),
                  entry::savesql::dateValue(d, rules::requiredDate(txtStartDate->text())),
@@ -228,7 +229,11 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
 
             int detailCounter = static_cast<int>(pairLines.size());
             fnInsertOtherDays(detail, d, days, mirror, newId, detailCounter);
-            version.record(editMode ? history::Action::Edited : history::Action::Created, newId, gintUserID);
+            // Times laid on from a time clock's file are recorded as an import.
+            version.record(m_punchesImported ? history::Action::Imported
+                           : editMode        ? history::Action::Edited
+                                             : history::Action::Created,
+                           newId, gintUserID);
         }
         transaction.commit();
     } catch (const std::exception& e) {

@@ -306,6 +306,9 @@ private:
     // The amount box holds a claimed or typed amount that stands until the day's times
     // change; a recompute then updates the kind but keeps the amount.
     bool m_keepDayAmount = false;
+    // The days hold punches laid on from a file since the last Populate or employee: the
+    // save records the entry's version as imported.
+    bool m_punchesImported = false;
     bool m_inLeaveCell = false;
     bool m_inDayClick = false;
 
