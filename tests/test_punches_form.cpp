@@ -141,6 +141,12 @@ TEST(PunchPlan, ASplitNightThatMakesASeventhPairFlagsTheDay) {
     EXPECT_TRUE(plan.days[0].flags.testFlag(DayFlag::MoreThanSixPairs));
 }
 
+TEST(PunchPlan, WorkingDaysAfterTheBusinessDateAreNotOffered) {
+    Laid l;
+    const ImportPlan plan = planImport(l.days, {}, QDate(2026, 11, 16));
+    EXPECT_EQ(plan.workingDaysWithoutPunches, QVector<QDate>{QDate(2026, 11, 16)});
+}
+
 TEST(PunchPlan, DaysTickedAbsentLoseTheirPairs) {
     Laid l;
     markDaysAbsent(l.days, l.mirror, {QDate(2026, 11, 17)});
@@ -229,9 +235,10 @@ TEST_F(FormPunches, TheNightShiftLandsOnItsDayWithItsHoursAndTheOtherDaysHaveThe
     const QStringList next = pairsOf(kNight.addDays(1));
     ASSERT_EQ(next.size(), 2);
     EXPECT_NE(next, (QStringList{QStringLiteral("09:00-13:00"), QStringLiteral("14:00-18:00")}));
-    // Days after the business date had no punches: offered, none marked.
-    EXPECT_TRUE(offered.contains(QStringLiteral("23/11/2026 Mon")))
-        << offered.join(',').toStdString();
+    // The business date has no punches yet: offered, not marked. Later days are not offered.
+    EXPECT_EQ(offered, QStringList{QStringLiteral("21/11/2026 Sat")});
+    EXPECT_EQ(form.mfgAttendance->TextMatrix(rowOf(QDate(2026, 11, 21)), rules::daycol::Type),
+              QStringLiteral("P"));
     EXPECT_EQ(form.mfgAttendance->TextMatrix(rowOf(QDate(2026, 11, 23)), rules::daycol::Type),
               QStringLiteral("P"));
 }
@@ -331,3 +338,37 @@ TEST_F(FormPunches, RefusalsChangeNothing) {
 }
 
 }  // namespace
+
+// The pictures of the form after an import and of its summary in docs/ (run only when
+// asked, see README).
+TEST(PunchesScreenshot, TheFormAfterImportingTheDemosPunches) {
+    const QByteArray out = qgetenv("QZ2_SCREENSHOT_DIR");
+    if (out.isEmpty()) GTEST_SKIP() << "set QZ2_SCREENSHOT_DIR to write the pictures";
+    TestDb demoDb(true);
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("punches.txt"));
+    demo::writeDemoPunches(demoDb.db, QDate(2026, 11, 21), file);
+    msgbox_testing::setAutoAnswer(true);
+    gstrEntryMode = QStringLiteral("N");
+    frmEmployeeDailyAttendance form;
+    form.Form_Load();
+    form.cboEmpname->setCurrentIndex(form.cboEmpname->findData(3));
+    form.cmdPopulateRecords_Click();
+    form.resize(1180, 720);
+    form.show();
+    frmPunchSummary::setTestAnswer([&out](frmPunchSummary& s) {
+        s.resize(700, 420);
+        s.show();
+        s.lstNoPunchDays->item(0)->setCheckState(Qt::Checked);
+        EXPECT_TRUE(
+            s.grab().save(QString::fromLocal8Bit(out) + QStringLiteral("/punch-summary.png")));
+        s.reject();
+    });
+    ASSERT_TRUE(form.fnImportPunches(file));
+    frmPunchSummary::setTestAnswer({});
+    for (int r = 1; r < form.mfgAttendance->Rows(); ++r)
+        if (form.mfgAttendance->TextMatrix(r, rules::daycol::Date) == QStringLiteral("04/11/2026"))
+            form.mfgAttendance->setCurrentCell(r, rules::daycol::Date);
+    EXPECT_TRUE(form.grab().save(QString::fromLocal8Bit(out) + QStringLiteral("/punches.png")));
+    msgbox_testing::setAutoAnswer(false);
+}

@@ -89,8 +89,8 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
     options.from = *start;
     options.to = dtpEndDate->date();
     options.businessDate = gdtProcessDate;
-    const punches::ImportPlan plan =
-        punches::planImport(*mfgAttendance->flexModel(), punches::pairPunches(mine, options));
+    const punches::ImportPlan plan = punches::planImport(
+        *mfgAttendance->flexModel(), punches::pairPunches(mine, options), gdtProcessDate);
 
     // Days whose times change lose a claim made on their old times: the clerk claims the
     // new difference again.

@@ -30,7 +30,8 @@ QString dm(QDate d) {
 
 }  // namespace
 
-ImportPlan planImport(const FlexGridModel& dayGrid, const QVector<PunchDay>& paired) {
+ImportPlan planImport(const FlexGridModel& dayGrid, const QVector<PunchDay>& paired,
+                      QDate businessDate) {
     QHash<QDate, const PunchDay*> byDate;
     for (const PunchDay& d : paired) byDate.insert(d.date, &d);
     ImportPlan plan;
@@ -41,7 +42,8 @@ ImportPlan planImport(const FlexGridModel& dayGrid, const QVector<PunchDay>& pai
         const QString type = dayGrid.TextMatrix(r, rules::daycol::Type).trimmed();
         const PunchDay* day = byDate.value(*date, nullptr);
         if (!day || !hasPunches(*day)) {
-            if ((type == QLatin1String("P") || type == QLatin1String("HA")) &&
+            const bool happened = !businessDate.isValid() || *date <= businessDate;
+            if (happened && (type == QLatin1String("P") || type == QLatin1String("HA")) &&
                 isScheduled(dayGrid.TextMatrix(r, rules::daycol::ScheduleHours)))
                 plan.workingDaysWithoutPunches.append(*date);
             continue;

@@ -44,7 +44,10 @@ struct ImportPlan {
 // The plan for the day grid's days from the paired punches (one PunchDay per date; days
 // outside the grid are left out). A day keeps at most six pairs; a night shift's split pair
 // that would make a seventh flags the day "more than six pairs".
-ImportPlan planImport(const FlexGridModel& dayGrid, const QVector<PunchDay>& paired);
+// Working days after `businessDate` (when given) have not happened yet: they are not offered
+// as absent.
+ImportPlan planImport(const FlexGridModel& dayGrid, const QVector<PunchDay>& paired,
+                      QDate businessDate = QDate());
 
 // The mirror rows of every planned day become the day's pairs (numbered 1..n, in date
 // order with the other days' rows).
