@@ -17,6 +17,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "BenchMonth.h"
 #include "db/Database.h"
 #include "demo/DemoData.h"
 #include "entry/frmEmployeeDailyAttendance.h"
@@ -33,44 +34,17 @@
 
 namespace {
 
-constexpr int kDays = 31;
-const QDate kStart(2026, 12, 1);
+using benchmonth::kDays;
+using benchmonth::keyMonth;
+using benchmonth::kStart;
 
-double ms(const QElapsedTimer& t) { return static_cast<double>(t.nsecsElapsed()) / 1e6; }
+double ms(const QElapsedTimer& t) {
+    return static_cast<double>(t.nsecsElapsed()) / 1e6;
+}
 
 double median(std::vector<double> v) {
     std::sort(v.begin(), v.end());
     return v.size() % 2 ? v[v.size() / 2] : (v[v.size() / 2 - 1] + v[v.size() / 2]) / 2.0;
-}
-
-void keyMonth(qz2::frmEmployeeDailyAttendance& form, qint32 employee) {
-    using namespace qz2;
-    for (int i = 0; i < form.cboEmpname->count(); ++i)
-        if (form.cboEmpname->itemData(i).toLongLong() == employee) form.cboEmpname->setCurrentIndex(i);
-    const QDate end = kStart.addDays(kDays - 1);
-    form.txtStartDate->setText(dateText(kStart));
-    form.dtpEndDate->setDate(end);
-    form.txtEndDate->setText(dateText(end));
-    FlexGridModel& days = *form.mfgAttendance->flexModel();
-    FlexGridModel& mirror = *form.mfgMirrorGrid->flexModel();
-    rules::fnBuildDayRows(days, kStart, end);
-    mirror.setRows(1);
-    const char* pairs[6][2] = {{"06:00", "07:00"}, {"07:30", "09:00"}, {"09:30", "11:00"},
-                               {"11:30", "13:00"}, {"13:30", "15:00"}, {"15:30", "17:10"}};
-    for (int i = 0; i < kDays; ++i) {
-        const QDate day = kStart.addDays(i);
-        days.setTextMatrix(i + 1, rules::daycol::Type, QStringLiteral("P"));
-        for (int p = 0; p < 6; ++p)
-            mirror.AddItem({dateText(day), QString::number(p + 1), QString::fromLatin1(pairs[p][0]),
-                            QString::fromLatin1(pairs[p][1])});
-    }
-    form.fnCalculateTotalHours();
-    for (int i = 0; i < kDays; ++i)
-        rules::fnSetDayAllowanceDeduction(days, QStringLiteral("01:10"),
-                                          i % 2 == 0 ? QStringLiteral("A") : QStringLiteral("D"),
-                                          kStart.addDays(i), true);
-    form.fnCountDayTypes();
-    form.txtRemarks->setText(QStringLiteral("A busy month"));
 }
 
 }  // namespace
@@ -105,8 +79,9 @@ int main(int argc, char** argv) {
     qz2::msgbox_testing::setAutoAnswer(true);
 
     QSqlQuery pick(db);
-    pick.exec(QStringLiteral("select eEmpID from pEmployee where eCompanyID=1 and eActive=1 and eDeptID is not "
-                             "null and PerHourRate>0 order by eEmpID limit 1"));
+    pick.exec(QStringLiteral(
+        "select eEmpID from pEmployee where eCompanyID=1 and eActive=1 and eDeptID is not "
+        "null and PerHourRate>0 order by eEmpID limit 1"));
     if (!pick.next()) return 1;
     const qint32 employee = pick.value(0).toInt();
 
@@ -119,7 +94,8 @@ int main(int argc, char** argv) {
         keyMonth(form, employee);
         form.cmdOK_Click();
         if (!form.saved()) return 1;
-        id = qz2::db::scalar(db, QStringLiteral("select max(eaID) from pEmployeeAttendence")).toInt();
+        id = qz2::db::scalar(db, QStringLiteral("select max(eaID) from pEmployeeAttendence"))
+                 .toInt();
     }
     qz2::FlexGrid registerRows;
     registerRows.setCols(5);
@@ -143,7 +119,8 @@ int main(int argc, char** argv) {
             std::fprintf(stderr, "edit %d did not save\n", v);
             return 1;
         }
-        id = qz2::db::scalar(db, QStringLiteral("select max(eaID) from pEmployeeAttendence")).toInt();
+        id = qz2::db::scalar(db, QStringLiteral("select max(eaID) from pEmployeeAttendence"))
+                 .toInt();
     }
     qz2::setRegisterGrid(nullptr);
 
@@ -162,15 +139,17 @@ int main(int argc, char** argv) {
         qz2::frmHistory dialog(id);
         dialogs.push_back(ms(t));
         if (dialog.versionCount() != versions) {
-            std::fprintf(stderr, "the dialog shows %d versions, not %d\n", dialog.versionCount(), versions);
+            std::fprintf(stderr, "the dialog shows %d versions, not %d\n", dialog.versionCount(),
+                         versions);
             return 1;
         }
     }
-    std::printf("history of an entry of %d days x 6 pairs + %d claims with %d versions, %d runs\n", kDays,
-                kDays, shown, runs);
-    std::printf("  read every version:     median %.2f ms, worst %.2f ms, %lld statements\n", median(reads),
-                *std::max_element(reads.begin(), reads.end()), static_cast<long long>(statements));
-    std::printf("  History dialog opened:  median %.2f ms, worst %.2f ms (reading included)\n", median(dialogs),
-                *std::max_element(dialogs.begin(), dialogs.end()));
+    std::printf("history of an entry of %d days x 6 pairs + %d claims with %d versions, %d runs\n",
+                kDays, kDays, shown, runs);
+    std::printf("  read every version:     median %.2f ms, worst %.2f ms, %lld statements\n",
+                median(reads), *std::max_element(reads.begin(), reads.end()),
+                static_cast<long long>(statements));
+    std::printf("  History dialog opened:  median %.2f ms, worst %.2f ms (reading included)\n",
+                median(dialogs), *std::max_element(dialogs.begin(), dialogs.end()));
     return 0;
 }

@@ -16,6 +16,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "BenchMonth.h"
 #include "db/Database.h"
 #include "demo/DemoData.h"
 #include "entry/SaveSql.h"
@@ -29,43 +30,12 @@
 
 namespace {
 
-constexpr int kDays = 31;
-const QDate kStart(2026, 12, 1);
+using benchmonth::kDays;
+using benchmonth::keyMonth;
+using benchmonth::kStart;
 
 double ms(const QElapsedTimer& t) {
     return static_cast<double>(t.nsecsElapsed()) / 1e6;
-}
-
-// Keys the month on a loaded form, as Populate and the clerk's corrections leave it.
-void keyMonth(qz2::frmEmployeeDailyAttendance& form, qint32 employee) {
-    using namespace qz2;
-    for (int i = 0; i < form.cboEmpname->count(); ++i)
-        if (form.cboEmpname->itemData(i).toLongLong() == employee)
-            form.cboEmpname->setCurrentIndex(i);
-    const QDate end = kStart.addDays(kDays - 1);
-    form.txtStartDate->setText(dateText(kStart));
-    form.dtpEndDate->setDate(end);
-    form.txtEndDate->setText(dateText(end));
-    FlexGridModel& days = *form.mfgAttendance->flexModel();
-    FlexGridModel& mirror = *form.mfgMirrorGrid->flexModel();
-    rules::fnBuildDayRows(days, kStart, end);
-    mirror.setRows(1);
-    const char* pairs[6][2] = {{"06:00", "07:00"}, {"07:30", "09:00"}, {"09:30", "11:00"},
-                               {"11:30", "13:00"}, {"13:30", "15:00"}, {"15:30", "17:10"}};
-    for (int i = 0; i < kDays; ++i) {
-        const QDate day = kStart.addDays(i);
-        days.setTextMatrix(i + 1, rules::daycol::Type, QStringLiteral("P"));
-        for (int p = 0; p < 6; ++p)
-            mirror.AddItem({dateText(day), QString::number(p + 1), QString::fromLatin1(pairs[p][0]),
-                            QString::fromLatin1(pairs[p][1])});
-    }
-    form.fnCalculateTotalHours();
-    for (int i = 0; i < kDays; ++i)
-        rules::fnSetDayAllowanceDeduction(days, QStringLiteral("01:10"),
-                                          i % 2 == 0 ? QStringLiteral("A") : QStringLiteral("D"),
-                                          kStart.addDays(i), true);
-    form.fnCountDayTypes();
-    form.txtRemarks->setText(QStringLiteral("A busy month"));
 }
 
 }  // namespace
@@ -134,8 +104,9 @@ int main(int argc, char** argv) {
         prepared += qz2::entry::savesql::insertPreparations() - preparedBefore;
         // The next run keys the same month for the same employee: the entry just saved is
         // cancelled (untimed), since two live entries of one employee may not share a day.
-        QSqlQuery(db).exec(QStringLiteral("update pEmployeeAttendence set eaCancelled=1 where "
-                                          "eaID=(select max(eaID) from pEmployeeAttendence)"));
+        QSqlQuery(db).exec(
+            QStringLiteral("update pEmployeeAttendence set eaCancelled=1 where "
+                           "eaID=(select max(eaID) from pEmployeeAttendence)"));
     }
 
     QSqlQuery rows(db);
