@@ -629,7 +629,9 @@ TEST_F(History, TheDemoEntriesCarryTheirHistory) {
             .match(words[0])
             .hasMatch())
         << words[0].toStdString();
-    EXPECT_EQ(*edited[0].after, *readVersion(t.db, 1, corrected));
+    // As the database holds it now (to six digits: the ODBC route hands reals over with
+    // fifteen, the demo was written with seventeen).
+    EXPECT_EQ(versionRows(*edited[0].after), versionRows(*readVersion(t.db, 1, corrected)));
 }
 
 TEST_F(History, TheRegisterOffersHistoryWhenItIsKept) {
