@@ -10,7 +10,10 @@
 //  - another program takes its lock on the database just before each statement in turn of
 //    choosing the employee, Populate, a new save, an edit and a cancellation: the clerk is
 //    told the database is busy, nothing half-made is stored, and pressed again once the lock
-//    is gone the change is stored whole and once.
+//    is gone the change is stored whole and once;
+//  - another clerk's cancellation, or their own edit of the same entry, is pressed just
+//    before each statement in turn of an edit's save: the cancellation is never lost, the
+//    entry never saved twice, and the clerk whose save is refused is told why.
 
 #include <gtest/gtest.h>
 
@@ -824,7 +827,7 @@ TEST_F(SaveRaces, TwoNewEntriesOfOneEmployeeForOnePeriodSaveExactlyOnce) {
 }
 
 // ---------------------------------------------------------------------------------------
-// A third program's lock just before each statement in turn
+// A third program's lock, or another clerk's commit, just before each statement in turn
 
 // Another program on the database file, on a connection of its own in the test process
 // (Qt's SQLite driver, whatever route the clerk takes). It takes the exclusive lock
@@ -891,6 +894,28 @@ bool waitForFlag(const QString& file, QProcess& child, int timeoutMs = 60000) {
         child.waitForFinished(5);
     }
     return QFileInfo::exists(file);
+}
+
+// Waits until the child has written a line matching `pattern`; returns it ("" on timeout or
+// when the child ended without one). The lines read so far are kept in `seen`.
+QString waitForLineLike(QProcess& child, const QRegularExpression& pattern, QStringList& seen,
+                        int timeoutMs = 60000) {
+    QElapsedTimer waited;
+    waited.start();
+    QString partial;
+    for (;;) {
+        for (const QString& line : seen)
+            if (pattern.match(line).hasMatch()) return line;
+        if (waited.elapsed() > timeoutMs) return {};
+        if (child.state() == QProcess::NotRunning && child.bytesAvailable() == 0) return {};
+        child.waitForReadyRead(50);
+        partial += QString::fromUtf8(child.readAllStandardOutput());
+        while (partial.contains(QLatin1Char('\n'))) {
+            const qsizetype end = partial.indexOf(QLatin1Char('\n'));
+            seen << partial.left(end);
+            partial.remove(0, end + 1);
+        }
+    }
 }
 
 // The statements the dry run listed for one step (--count): "statements <n> [step]", then
@@ -1091,6 +1116,220 @@ TEST_F(LockAtEveryStatement, SavingAnEdit) {
 
 TEST_F(LockAtEveryStatement, CancellingAnEntry) {
     run(withEntry, childArgs() + shortWait() + cancelArgs(), QString());
+}
+
+// Two clerks have one stored entry open; the first presses OK, and the second's whole
+// action (their cancellation, or their own edit) is pressed just before statement K of the
+// first's save, for every K of it. The second commits there when it can; while the first
+// holds the save's write lock it cannot, is told the database is busy, and presses again once
+// the first is done.
+class InterleavedSaves : public SaveRaces {
+protected:
+    struct Run {
+        QStringList first;   // the first clerk's lines
+        QStringList second;  // the second clerk's
+        QString secondAtK;   // the second's outcome at K: "saved ...", "cancelled" or "error ..."
+        bool firstCommittedAtK = false;
+        int firstExit = -1;
+        int secondExit = -1;
+    };
+    // The database after the given clerks' actions, one after the other, each alone.
+    QString after(const QList<QStringList>& actions) {
+        useCopyOf(withEntry);
+        for (const QStringList& action : actions) {
+            const ChildResult r = runChild(childArgs() + action);
+            EXPECT_EQ(r.exitCode, 0) << r.lines.join('|').toStdString();
+        }
+        return dumpOf(work);
+    }
+    QStringList countedEdit() {
+        useCopyOf(withEntry);
+        const ChildResult dry = runChild(childArgs() + editArgs() << QStringLiteral("--count"));
+        EXPECT_EQ(dry.exitCode, 0) << dry.lines.join('|').toStdString();
+        return listedStatements(dry.lines, QString());
+    }
+    Run interleave(int k, const QStringList& secondAction) {
+        Run r;
+        useCopyOf(withEntry);
+        const QString before = dumpOf(work);
+        const QString flags = freshFolder(dir, QStringLiteral("race-%1").arg(k));
+        const QDir flag(flags);
+        Clerk second;
+        second.process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        second.process->start(QStringLiteral(QZ2_SAVE_CHILD),
+                              childArgs() + secondAction +
+                                  QStringList{QStringLiteral("--wait-before-ok"),
+                                              flag.filePath(QStringLiteral("go-second")),
+                                              QStringLiteral("--read-wait"), QStringLiteral("200"),
+                                              QStringLiteral("--released"),
+                                              flag.filePath(QStringLiteral("first-done")),
+                                              QStringLiteral("--retries"), QStringLiteral("1")});
+        EXPECT_TRUE(waitForLine(*second.process, QStringLiteral("loaded"), second.lines));
+        QProcess first;
+        first.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        first.start(QStringLiteral(QZ2_SAVE_CHILD),
+                    childArgs() + editArgs() +
+                        QStringList{QStringLiteral("--hold-at"), QString::number(k),
+                                    QStringLiteral("--flag-dir"), flags,
+                                    QStringLiteral("--retries"), QStringLiteral("0")});
+        if (!waitForFlag(flag.filePath(QStringLiteral("at")), first)) {
+            ADD_FAILURE() << "the first clerk never reached statement " << k;
+            first.kill();
+            second.process->kill();
+            first.waitForFinished();
+            second.process->waitForFinished();
+            return r;
+        }
+        r.firstCommittedAtK = dumpOf(work) != before;
+        touch(flag.filePath(QStringLiteral("go-second")));
+        r.secondAtK = waitForLineLike(
+            *second.process,
+            QRegularExpression(QStringLiteral("^(saved |cancelled$|error |gave-up$)")),
+            second.lines);
+        EXPECT_FALSE(r.secondAtK.isEmpty()) << second.lines.join('|').toStdString();
+        touch(flag.filePath(QStringLiteral("go-on")));
+        touch(flag.filePath(QStringLiteral("released")));
+        EXPECT_TRUE(first.waitForFinished(60000));
+        waitForLine(first, QStringLiteral("(end)"), r.first, 100);
+        r.firstExit = first.exitCode();
+        touch(flag.filePath(QStringLiteral("first-done")));
+        finish(second);
+        r.second = second.lines;
+        r.secondExit = second.process->exitCode();
+        return r;
+    }
+    static bool saved(const QStringList& lines, int exitCode) {
+        return exitCode == 0 &&
+               !lines.filter(QRegularExpression(QStringLiteral("^saved "))).isEmpty();
+    }
+    static QStringList errors(const QStringList& lines) {
+        return lines.filter(QRegularExpression(QStringLiteral("^error ")));
+    }
+    int historyRows(const FileLook& look, const QString& action) const {
+        return look.t
+            .scalar(QStringLiteral("select count(*) from pEmpAttendanceHistory where "
+                                   "ehAttendanceNo='%1' and ehAction='%2'")
+                        .arg(number, action))
+            .toInt();
+    }
+};
+
+TEST_F(InterleavedSaves, ACancellationCommittedBeforeEachStatementOfAnEditIsNeverLost) {
+    const QStringList statements = countedEdit();
+    ASSERT_FALSE(statements.isEmpty());
+    const QString cancelledOnly = after({cancelArgs()});
+    const QString editedThenCancelled = after({editArgs(), cancelArgs()});
+    ASSERT_NE(cancelledOnly, editedThenCancelled);
+    const QString refusedText =
+        number + QStringLiteral(" was cancelled since you opened it. Nothing was saved.");
+    int nothingLost = 0;
+    int cancelledFirst = 0;
+    int metTheLock = 0;
+    for (int k = 1; k <= statements.size(); ++k) {
+        SCOPED_TRACE(
+            QStringLiteral("statement %1: %2").arg(k).arg(statements[k - 1]).toStdString());
+        const Run r = interleave(k, cancelArgs());
+        const bool editSaved = saved(r.first, r.firstExit);
+        const bool cancelled = r.secondExit == 0 && r.second.contains(QStringLiteral("cancelled"));
+        const bool cancelledAtK = r.secondAtK == QLatin1String("cancelled");
+        cancelledFirst += cancelledAtK ? 1 : 0;
+        // The cancellation always goes through: at K, or pressed again after the edit.
+        EXPECT_TRUE(cancelled) << r.second.join('|').toStdString();
+        bool right = cancelled;
+        if (!cancelledAtK) {
+            ++metTheLock;
+            EXPECT_TRUE(saysBusy(r.secondAtK)) << r.secondAtK.toStdString();
+            right = right && saysBusy(r.secondAtK);
+        }
+        // An edit not yet committed when the cancellation was is refused, and the clerk told.
+        if (cancelledAtK && !r.firstCommittedAtK) {
+            EXPECT_FALSE(editSaved) << r.first.join('|').toStdString();
+            right = right && !editSaved;
+        }
+        if (!editSaved) {
+            EXPECT_TRUE(errors(r.first).contains(QStringLiteral("error ") + refusedText))
+                << r.first.join('|').toStdString();
+            right = right && errors(r.first).contains(QStringLiteral("error ") + refusedText);
+        }
+        FileLook look(work);
+        EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+        const int stillLive = live(look);
+        const int withReason = cancelledWithReason(look);
+        const int cancellations = historyRows(look, QStringLiteral("cancelled"));
+        EXPECT_EQ(stillLive, 0);
+        EXPECT_EQ(withReason, 1);
+        EXPECT_EQ(numbered(look), 1);
+        EXPECT_EQ(cancellations, 1);
+        const QString expected = editSaved ? editedThenCancelled : cancelledOnly;
+        const QString now = look.t.dump();
+        EXPECT_EQ(now, expected);
+        if (right && stillLive == 0 && withReason == 1 && numbered(look) == 1 &&
+            cancellations == 1 && now == expected)
+            ++nothingLost;
+    }
+    std::cout << "[ " << ::testing::UnitTest::GetInstance()->current_test_info()->name() << " ] "
+              << nothingLost << " of " << statements.size()
+              << " runs, nothing lost (cancelled before the statement: " << cancelledFirst
+              << ", met the edit's lock and pressed again: " << metTheLock << ")\n";
+    RecordProperty("runs_nothing_lost", nothingLost);
+    EXPECT_EQ(nothingLost, statements.size());
+}
+
+TEST_F(InterleavedSaves, AnotherEditCommittedBeforeEachStatementOfAnEditSavesExactlyOnce) {
+    const QStringList statements = countedEdit();
+    ASSERT_FALSE(statements.isEmpty());
+    // Both clerks make the same correction: whichever saves, the database ends the same.
+    const QString editedOnce = after({editArgs()});
+    int nothingLost = 0;
+    int otherFirst = 0;
+    int metTheLock = 0;
+    for (int k = 1; k <= statements.size(); ++k) {
+        SCOPED_TRACE(
+            QStringLiteral("statement %1: %2").arg(k).arg(statements[k - 1]).toStdString());
+        const Run r = interleave(k, editArgs());
+        const bool firstSaved = saved(r.first, r.firstExit);
+        const bool secondSaved = saved(r.second, r.secondExit);
+        const bool secondAtK = r.secondAtK.startsWith(QLatin1String("saved "));
+        otherFirst += secondAtK ? 1 : 0;
+        EXPECT_NE(firstSaved, secondSaved)
+            << r.first.join('|').toStdString() << " / " << r.second.join('|').toStdString();
+        bool right = firstSaved != secondSaved;
+        if (!secondAtK) {
+            ++metTheLock;
+            // Met the first's write lock, or found the first's save already committed.
+            const bool busyOrStale =
+                saysBusy(r.secondAtK) || r.secondAtK.contains(QLatin1String("since you opened it"));
+            EXPECT_TRUE(busyOrStale) << r.secondAtK.toStdString();
+            right = right && busyOrStale;
+        }
+        if (secondAtK && !r.firstCommittedAtK) {
+            EXPECT_FALSE(firstSaved);
+            right = right && !firstSaved;
+        }
+        const QStringList& loser = firstSaved ? r.second : r.first;
+        const bool told =
+            !loser.filter(QStringLiteral("was saved by another clerk since you opened it"))
+                 .isEmpty();
+        EXPECT_TRUE(told) << loser.join('|').toStdString();
+        FileLook look(work);
+        EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+        const int stillLive = live(look);
+        const int edits = historyRows(look, QStringLiteral("edited"));
+        EXPECT_EQ(stillLive, 1);
+        EXPECT_EQ(numbered(look), 1);
+        EXPECT_EQ(edits, 1);
+        const QString now = look.t.dump();
+        EXPECT_EQ(now, editedOnce);
+        if (right && told && stillLive == 1 && numbered(look) == 1 && edits == 1 &&
+            now == editedOnce)
+            ++nothingLost;
+    }
+    std::cout << "[ " << ::testing::UnitTest::GetInstance()->current_test_info()->name() << " ] "
+              << nothingLost << " of " << statements.size()
+              << " runs, nothing lost (the other edit saved before the statement: " << otherFirst
+              << ", met the first's lock or its commit: " << metTheLock << ")\n";
+    RecordProperty("runs_nothing_lost", nothingLost);
+    EXPECT_EQ(nothingLost, statements.size());
 }
 
 class SaveConcurrently : public SaveInterrupted {
