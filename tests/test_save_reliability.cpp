@@ -6,16 +6,25 @@
 //    entry (or the edit) is afterwards wholly there or wholly absent;
 //  - two processes save entries of the same company at the same moment, many times: no
 //    identifier or number is given twice, and a save that meets the other's lock reports
-//    the database's message and goes through when pressed again.
+//    the database's message and goes through when pressed again;
+//  - another program takes its lock on the database just before each statement in turn of
+//    choosing the employee, Populate, a new save, an edit and a cancellation: the clerk is
+//    told the database is busy, nothing half-made is stored, and pressed again once the lock
+//    is gone the change is stored whole and once;
+//  - another clerk's cancellation, or their own edit of the same entry, is pressed just
+//    before each statement in turn of an edit's save: the cancellation is never lost, the
+//    entry never saved twice, and the clerk whose save is refused is told why.
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QSet>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTest>
@@ -815,6 +824,512 @@ TEST_F(SaveRaces, TwoNewEntriesOfOneEmployeeForOnePeriodSaveExactlyOnce) {
     std::cout << "[ two new entries, one period ] runs with nothing lost: " << nothingLost
               << " of " << runs << '\n';
     EXPECT_EQ(nothingLost, runs);
+}
+
+// ---------------------------------------------------------------------------------------
+// A third program's lock, or another clerk's commit, just before each statement in turn
+
+// Another program on the database file, on a connection of its own in the test process
+// (Qt's SQLite driver, whatever route the clerk takes). It takes the exclusive lock
+// (BEGIN EXCLUSIVE) at once when that can be had. While the clerk's save or cancellation
+// holds the write lock it cannot: the attempt is refused as busy, and the program holds a
+// read lock instead (a transaction that has read a table), which the clerk's commit has to
+// wait for.
+class ThirdProgram {
+public:
+    enum class Lock { None, Exclusive, Shared };
+    explicit ThirdProgram(const QString& file)
+        : m_name(QStringLiteral("third-program-%1").arg(++s_connections)) {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_name);
+        db.setDatabaseName(file);
+        db.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=0"));
+        EXPECT_TRUE(db.open()) << db.lastError().text().toStdString();
+    }
+    ~ThirdProgram() {
+        release();
+        QSqlDatabase::removeDatabase(m_name);
+    }
+    ThirdProgram(const ThirdProgram&) = delete;
+    ThirdProgram& operator=(const ThirdProgram&) = delete;
+    Lock take() {
+        QSqlDatabase db = QSqlDatabase::database(m_name);
+        QSqlQuery exclusive(db);
+        if (exclusive.exec(QStringLiteral("BEGIN EXCLUSIVE"))) return m_held = Lock::Exclusive;
+        refusal = exclusive.lastError().text();
+        QSqlQuery read(db);
+        if (read.exec(QStringLiteral("BEGIN")) &&
+            read.exec(QStringLiteral("select count(*) from pEmployeeAttendence")) && read.next()) {
+            read.finish();  // the transaction keeps the read lock
+            return m_held = Lock::Shared;
+        }
+        ADD_FAILURE() << "no lock could be taken: " << read.lastError().text().toStdString();
+        QSqlQuery(db).exec(QStringLiteral("ROLLBACK"));
+        return Lock::None;
+    }
+    void release() {
+        if (m_held == Lock::None) return;
+        QSqlQuery end(QSqlDatabase::database(m_name));
+        EXPECT_TRUE(end.exec(QStringLiteral("ROLLBACK"))) << end.lastError().text().toStdString();
+        m_held = Lock::None;
+    }
+    QString refusal;  // the database's message when the exclusive lock was refused
+
+private:
+    static inline int s_connections = 0;
+    QString m_name;
+    Lock m_held = Lock::None;
+};
+
+QString dumpOf(const QString& file) {
+    FileLook look(file);
+    return look.t.dump();
+}
+
+// Waits until `file` exists while `child` runs.
+bool waitForFlag(const QString& file, QProcess& child, int timeoutMs = 60000) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!QFileInfo::exists(file) && waited.elapsed() < timeoutMs) {
+        if (child.state() == QProcess::NotRunning) return QFileInfo::exists(file);
+        child.waitForFinished(5);
+    }
+    return QFileInfo::exists(file);
+}
+
+// Waits until the child has written a line matching `pattern`; returns it ("" on timeout or
+// when the child ended without one). The lines read so far are kept in `seen`.
+QString waitForLineLike(QProcess& child, const QRegularExpression& pattern, QStringList& seen,
+                        int timeoutMs = 60000) {
+    QElapsedTimer waited;
+    waited.start();
+    QString partial;
+    for (;;) {
+        for (const QString& line : seen)
+            if (pattern.match(line).hasMatch()) return line;
+        if (waited.elapsed() > timeoutMs) return {};
+        if (child.state() == QProcess::NotRunning && child.bytesAvailable() == 0) return {};
+        child.waitForReadyRead(50);
+        partial += QString::fromUtf8(child.readAllStandardOutput());
+        while (partial.contains(QLatin1Char('\n'))) {
+            const qsizetype end = partial.indexOf(QLatin1Char('\n'));
+            seen << partial.left(end);
+            partial.remove(0, end + 1);
+        }
+    }
+}
+
+// The statements the dry run listed for one step (--count): "statements <n> [step]", then
+// "sql <i> <statement>" for each.
+QStringList listedStatements(const QStringList& lines, const QString& step) {
+    const QRegularExpression heading(
+        QStringLiteral("^statements (\\d+)") +
+        (step.isEmpty() ? QStringLiteral("$") : QStringLiteral(" ") + step + QLatin1Char('$')));
+    QStringList out;
+    for (int i = 0; i < lines.size(); ++i) {
+        const QRegularExpressionMatch m = heading.match(lines[i]);
+        if (!m.hasMatch()) continue;
+        const int n = m.captured(1).toInt();
+        for (int j = 1; j <= n && i + j < lines.size(); ++j)
+            out << lines[i + j].section(QLatin1Char(' '), 2);
+        return out;
+    }
+    return out;
+}
+
+QString freshFolder(const QTemporaryDir& dir, const QString& name) {
+    QDir folder(dir.filePath(name));
+    folder.removeRecursively();
+    EXPECT_TRUE(QDir().mkpath(folder.path()));
+    return folder.path();
+}
+
+// Whether a message the clerk was shown says the database was busy: its own "locked" or
+// "busy" text, or the form's refusal of OK after a step that could not read.
+bool saysBusy(const QString& line) {
+    const QString text = line.section(QLatin1Char(' '), 1);
+    if (line.startsWith(QLatin1String("refused ")) && text == entry::kMsgStepUnfinished)
+        return true;
+    return text.contains(QLatin1String("locked"), Qt::CaseInsensitive) ||
+           text.contains(QLatin1String("busy"), Qt::CaseInsensitive);
+}
+
+// One step of a clerk run once per statement K of it: just before statement K the clerk's
+// process stops (--hold-at), a third program takes its lock on the database, and the clerk
+// goes on, meets the lock and waits its short lock wait. Once the clerk has been told, the
+// lock is let go and the clerk presses again. After each run: while the lock was held the
+// database was exactly as before, or, when the change had already committed before statement
+// K, exactly as after it; the clerk was told the database was busy whenever nothing was
+// saved; and in the end the database holds the whole change once, as a run without the lock
+// leaves it (every table compared, the history included).
+class LockAtEveryStatement : public SaveRaces {
+protected:
+    // `step` names the keying step whose statements are held ("" for the press of OK);
+    // `stopsAtTheLock`: the step asks nothing more once a statement has met the exclusive
+    // lock.
+    void run(const QString& start, const QStringList& args, const QString& step,
+             bool stopsAtTheLock = true) {
+        const QString title =
+            QString::fromUtf8(::testing::UnitTest::GetInstance()->current_test_info()->name());
+        useCopyOf(start);
+        const QString before = dumpOf(work);
+        const ChildResult dry = runChild(QStringList(args) << QStringLiteral("--count"));
+        ASSERT_EQ(dry.exitCode, 0) << dry.lines.join('\n').toStdString();
+        const QStringList statements = listedStatements(dry.lines, step);
+        ASSERT_FALSE(statements.isEmpty()) << dry.lines.join('\n').toStdString();
+        const QString expected = dumpOf(work);
+        ASSERT_NE(expected, before);
+        std::cout << "[ " << title.toStdString() << " ] statements: " << statements.size() << '\n';
+
+        int nothingLost = 0;
+        int exclusive = 0;
+        int shared = 0;
+        int savedAtOnce = 0;
+        int askedOn = 0;  // runs whose step asked more after meeting the exclusive lock
+        for (int k = 1; k <= statements.size(); ++k) {
+            SCOPED_TRACE(
+                QStringLiteral("statement %1: %2").arg(k).arg(statements[k - 1]).toStdString());
+            useCopyOf(start);
+            const QString flags = freshFolder(dir, QStringLiteral("hold-%1").arg(k));
+            const QDir flag(flags);
+            QProcess clerk;
+            clerk.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+            clerk.start(QStringLiteral(QZ2_SAVE_CHILD),
+                        QStringList(args) << QStringLiteral("--hold-at") << QString::number(k)
+                                          << QStringLiteral("--flag-dir") << flags);
+            if (!waitForFlag(flag.filePath(QStringLiteral("at")), clerk)) {
+                clerk.kill();
+                clerk.waitForFinished();
+                ADD_FAILURE() << "the clerk never reached statement " << k;
+                continue;
+            }
+            // What the clerk's process had committed when it reached statement K.
+            const bool committedAtK = dumpOf(work) == expected;
+            ThirdProgram third(work);
+            const ThirdProgram::Lock lock = third.take();
+            if (lock == ThirdProgram::Lock::Exclusive) ++exclusive;
+            if (lock == ThirdProgram::Lock::Shared) ++shared;
+            if (lock == ThirdProgram::Lock::Shared) {
+                EXPECT_TRUE(third.refusal.contains(QLatin1String("locked"), Qt::CaseInsensitive) ||
+                            third.refusal.contains(QLatin1String("busy"), Qt::CaseInsensitive))
+                    << third.refusal.toStdString();
+            }
+            touch(flag.filePath(QStringLiteral("go-on")));
+            QStringList lines;
+            const bool stepEnded = waitForLine(clerk, QStringLiteral("after-hold"), lines, 30000);
+            EXPECT_TRUE(stepEnded) << lines.join('|').toStdString();
+            third.release();
+            const QString whileLocked = dumpOf(work);
+            touch(flag.filePath(QStringLiteral("released")));
+            EXPECT_TRUE(clerk.waitForFinished(60000));
+            waitForLine(clerk, QStringLiteral("(end)"), lines, 100);
+            const QString after = dumpOf(work);
+
+            const qsizetype held = lines.indexOf(QStringLiteral("after-hold"));
+            QStringList shown;
+            for (qsizetype i = 0; i < held; ++i)
+                if (lines[i].startsWith(QLatin1String("error ")) ||
+                    lines[i].startsWith(QLatin1String("refused ")))
+                    shown << lines[i];
+            bool right = stepEnded && clerk.exitCode() == 0 && after == expected &&
+                         lock != ThirdProgram::Lock::None;
+            if (committedAtK) {
+                // The change had committed: the lock only meets what follows the commit.
+                EXPECT_TRUE(shown.isEmpty()) << shown.join('|').toStdString();
+                EXPECT_EQ(whileLocked, expected);
+                right = right && shown.isEmpty() && whileLocked == expected;
+                ++savedAtOnce;
+            } else {
+                // A step that met the exclusive lock stops at the first statement that reads
+                // the database: asking again would only wait out the lock once more. Only a
+                // pragma, which reads the connection's own settings, passes a held lock.
+                if (lock == ThirdProgram::Lock::Exclusive) {
+                    QStringList asked;
+                    for (qsizetype i = 0; i < held; ++i)
+                        if (lines[i].startsWith(QLatin1String("asked "))) asked << lines[i].mid(6);
+                    const bool stopped =
+                        !asked.isEmpty() &&
+                        std::all_of(asked.begin(), asked.end() - 1, [](const QString& sql) {
+                            return sql.startsWith(QLatin1String("PRAGMA"), Qt::CaseInsensitive);
+                        });
+                    if (!stopped) ++askedOn;
+                    if (stopsAtTheLock) {
+                        EXPECT_TRUE(stopped) << "asked after the lock was met:\n"
+                                             << asked.join('\n').toStdString();
+                        right = right && stopped;
+                    }
+                }
+                EXPECT_FALSE(shown.isEmpty()) << lines.join('|').toStdString();
+                for (const QString& m : shown) EXPECT_TRUE(saysBusy(m)) << m.toStdString();
+                EXPECT_EQ(whileLocked, before) << "a half-made change while the lock was held";
+                right = right && !shown.isEmpty() &&
+                        std::all_of(shown.begin(), shown.end(), saysBusy) && whileLocked == before;
+            }
+            EXPECT_EQ(clerk.exitCode(), 0) << lines.join('|').toStdString();
+            EXPECT_EQ(after, expected) << lines.join('|').toStdString();
+            {
+                FileLook look(work);
+                EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+            }
+            if (right) ++nothingLost;
+        }
+        std::cout << "[ " << title.toStdString() << " ] " << nothingLost << " of "
+                  << statements.size() << " runs, nothing lost (exclusive lock at " << exclusive
+                  << ", read lock at " << shared << " while the write lock was the clerk's; "
+                  << savedAtOnce << " after the commit; " << askedOn
+                  << " asked on after meeting the lock)\n";
+        RecordProperty("runs_nothing_lost", nothingLost);
+        RecordProperty("runs", static_cast<int>(statements.size()));
+        EXPECT_EQ(nothingLost, statements.size());
+    }
+    // A clerk whose every statement waits 200 ms for a lock.
+    QStringList shortWait() const { return {QStringLiteral("--read-wait"), QStringLiteral("200")}; }
+    QStringList keyedAt(const QString& step) const {
+        return childArgs() + shortWait() +
+               QStringList{QStringLiteral("--keyed"), QStringLiteral("--lock-at"), step};
+    }
+};
+
+TEST_F(LockAtEveryStatement, ChoosingTheEmployee) {
+    // The absent-day list's holidays are read with their failure trapped, and the newest
+    // work-time setting is read after them even when they failed: that step waits out the
+    // lock twice. Nothing read after the failure is kept (the step stays unfinished).
+    run(pristine, keyedAt(QStringLiteral("employee")), QStringLiteral("employee"),
+        /*stopsAtTheLock=*/false);
+}
+
+TEST_F(LockAtEveryStatement, Populate) {
+    run(pristine, keyedAt(QStringLiteral("populate")), QStringLiteral("populate"));
+}
+
+TEST_F(LockAtEveryStatement, SavingANewEntry) {
+    run(pristine,
+        childArgs() + shortWait() + QStringList{QStringLiteral("--retries"), QStringLiteral("1")},
+        QString());
+}
+
+TEST_F(LockAtEveryStatement, SavingAnEdit) {
+    run(withEntry,
+        childArgs() + shortWait() + editArgs() +
+            QStringList{QStringLiteral("--retries"), QStringLiteral("1")},
+        QString());
+}
+
+TEST_F(LockAtEveryStatement, CancellingAnEntry) {
+    run(withEntry, childArgs() + shortWait() + cancelArgs(), QString());
+}
+
+// Two clerks have one stored entry open; the first presses OK, and the second's whole
+// action (their cancellation, or their own edit) is pressed just before statement K of the
+// first's save, for every K of it. The second commits there when it can; while the first
+// holds the save's write lock it cannot, is told the database is busy, and presses again once
+// the first is done.
+class InterleavedSaves : public SaveRaces {
+protected:
+    struct Run {
+        QStringList first;   // the first clerk's lines
+        QStringList second;  // the second clerk's
+        QString secondAtK;   // the second's outcome at K: "saved ...", "cancelled" or "error ..."
+        bool firstCommittedAtK = false;
+        int firstExit = -1;
+        int secondExit = -1;
+    };
+    // The database after the given clerks' actions, one after the other, each alone.
+    QString after(const QList<QStringList>& actions) {
+        useCopyOf(withEntry);
+        for (const QStringList& action : actions) {
+            const ChildResult r = runChild(childArgs() + action);
+            EXPECT_EQ(r.exitCode, 0) << r.lines.join('|').toStdString();
+        }
+        return dumpOf(work);
+    }
+    QStringList countedEdit() {
+        useCopyOf(withEntry);
+        const ChildResult dry = runChild(childArgs() + editArgs() << QStringLiteral("--count"));
+        EXPECT_EQ(dry.exitCode, 0) << dry.lines.join('|').toStdString();
+        return listedStatements(dry.lines, QString());
+    }
+    Run interleave(int k, const QStringList& secondAction) {
+        Run r;
+        useCopyOf(withEntry);
+        const QString before = dumpOf(work);
+        const QString flags = freshFolder(dir, QStringLiteral("race-%1").arg(k));
+        const QDir flag(flags);
+        Clerk second;
+        second.process->setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        second.process->start(QStringLiteral(QZ2_SAVE_CHILD),
+                              childArgs() + secondAction +
+                                  QStringList{QStringLiteral("--wait-before-ok"),
+                                              flag.filePath(QStringLiteral("go-second")),
+                                              QStringLiteral("--read-wait"), QStringLiteral("200"),
+                                              QStringLiteral("--released"),
+                                              flag.filePath(QStringLiteral("first-done")),
+                                              QStringLiteral("--retries"), QStringLiteral("1")});
+        EXPECT_TRUE(waitForLine(*second.process, QStringLiteral("loaded"), second.lines));
+        QProcess first;
+        first.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        first.start(QStringLiteral(QZ2_SAVE_CHILD),
+                    childArgs() + editArgs() +
+                        QStringList{QStringLiteral("--hold-at"), QString::number(k),
+                                    QStringLiteral("--flag-dir"), flags,
+                                    QStringLiteral("--retries"), QStringLiteral("0")});
+        if (!waitForFlag(flag.filePath(QStringLiteral("at")), first)) {
+            ADD_FAILURE() << "the first clerk never reached statement " << k;
+            first.kill();
+            second.process->kill();
+            first.waitForFinished();
+            second.process->waitForFinished();
+            return r;
+        }
+        r.firstCommittedAtK = dumpOf(work) != before;
+        touch(flag.filePath(QStringLiteral("go-second")));
+        r.secondAtK = waitForLineLike(
+            *second.process,
+            QRegularExpression(QStringLiteral("^(saved |cancelled$|error |gave-up$)")),
+            second.lines);
+        EXPECT_FALSE(r.secondAtK.isEmpty()) << second.lines.join('|').toStdString();
+        touch(flag.filePath(QStringLiteral("go-on")));
+        touch(flag.filePath(QStringLiteral("released")));
+        EXPECT_TRUE(first.waitForFinished(60000));
+        waitForLine(first, QStringLiteral("(end)"), r.first, 100);
+        r.firstExit = first.exitCode();
+        touch(flag.filePath(QStringLiteral("first-done")));
+        finish(second);
+        r.second = second.lines;
+        r.secondExit = second.process->exitCode();
+        return r;
+    }
+    static bool saved(const QStringList& lines, int exitCode) {
+        return exitCode == 0 &&
+               !lines.filter(QRegularExpression(QStringLiteral("^saved "))).isEmpty();
+    }
+    static QStringList errors(const QStringList& lines) {
+        return lines.filter(QRegularExpression(QStringLiteral("^error ")));
+    }
+    int historyRows(const FileLook& look, const QString& action) const {
+        return look.t
+            .scalar(QStringLiteral("select count(*) from pEmpAttendanceHistory where "
+                                   "ehAttendanceNo='%1' and ehAction='%2'")
+                        .arg(number, action))
+            .toInt();
+    }
+};
+
+TEST_F(InterleavedSaves, ACancellationCommittedBeforeEachStatementOfAnEditIsNeverLost) {
+    const QStringList statements = countedEdit();
+    ASSERT_FALSE(statements.isEmpty());
+    const QString cancelledOnly = after({cancelArgs()});
+    const QString editedThenCancelled = after({editArgs(), cancelArgs()});
+    ASSERT_NE(cancelledOnly, editedThenCancelled);
+    const QString refusedText =
+        number + QStringLiteral(" was cancelled since you opened it. Nothing was saved.");
+    int nothingLost = 0;
+    int cancelledFirst = 0;
+    int metTheLock = 0;
+    for (int k = 1; k <= statements.size(); ++k) {
+        SCOPED_TRACE(
+            QStringLiteral("statement %1: %2").arg(k).arg(statements[k - 1]).toStdString());
+        const Run r = interleave(k, cancelArgs());
+        const bool editSaved = saved(r.first, r.firstExit);
+        const bool cancelled = r.secondExit == 0 && r.second.contains(QStringLiteral("cancelled"));
+        const bool cancelledAtK = r.secondAtK == QLatin1String("cancelled");
+        cancelledFirst += cancelledAtK ? 1 : 0;
+        // The cancellation always goes through: at K, or pressed again after the edit.
+        EXPECT_TRUE(cancelled) << r.second.join('|').toStdString();
+        bool right = cancelled;
+        if (!cancelledAtK) {
+            ++metTheLock;
+            EXPECT_TRUE(saysBusy(r.secondAtK)) << r.secondAtK.toStdString();
+            right = right && saysBusy(r.secondAtK);
+        }
+        // An edit not yet committed when the cancellation was is refused, and the clerk told.
+        if (cancelledAtK && !r.firstCommittedAtK) {
+            EXPECT_FALSE(editSaved) << r.first.join('|').toStdString();
+            right = right && !editSaved;
+        }
+        if (!editSaved) {
+            EXPECT_TRUE(errors(r.first).contains(QStringLiteral("error ") + refusedText))
+                << r.first.join('|').toStdString();
+            right = right && errors(r.first).contains(QStringLiteral("error ") + refusedText);
+        }
+        FileLook look(work);
+        EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+        const int stillLive = live(look);
+        const int withReason = cancelledWithReason(look);
+        const int cancellations = historyRows(look, QStringLiteral("cancelled"));
+        EXPECT_EQ(stillLive, 0);
+        EXPECT_EQ(withReason, 1);
+        EXPECT_EQ(numbered(look), 1);
+        EXPECT_EQ(cancellations, 1);
+        const QString expected = editSaved ? editedThenCancelled : cancelledOnly;
+        const QString now = look.t.dump();
+        EXPECT_EQ(now, expected);
+        if (right && stillLive == 0 && withReason == 1 && numbered(look) == 1 &&
+            cancellations == 1 && now == expected)
+            ++nothingLost;
+    }
+    std::cout << "[ " << ::testing::UnitTest::GetInstance()->current_test_info()->name() << " ] "
+              << nothingLost << " of " << statements.size()
+              << " runs, nothing lost (cancelled before the statement: " << cancelledFirst
+              << ", met the edit's lock and pressed again: " << metTheLock << ")\n";
+    RecordProperty("runs_nothing_lost", nothingLost);
+    EXPECT_EQ(nothingLost, statements.size());
+}
+
+TEST_F(InterleavedSaves, AnotherEditCommittedBeforeEachStatementOfAnEditSavesExactlyOnce) {
+    const QStringList statements = countedEdit();
+    ASSERT_FALSE(statements.isEmpty());
+    // Both clerks make the same correction: whichever saves, the database ends the same.
+    const QString editedOnce = after({editArgs()});
+    int nothingLost = 0;
+    int otherFirst = 0;
+    int metTheLock = 0;
+    for (int k = 1; k <= statements.size(); ++k) {
+        SCOPED_TRACE(
+            QStringLiteral("statement %1: %2").arg(k).arg(statements[k - 1]).toStdString());
+        const Run r = interleave(k, editArgs());
+        const bool firstSaved = saved(r.first, r.firstExit);
+        const bool secondSaved = saved(r.second, r.secondExit);
+        const bool secondAtK = r.secondAtK.startsWith(QLatin1String("saved "));
+        otherFirst += secondAtK ? 1 : 0;
+        EXPECT_NE(firstSaved, secondSaved)
+            << r.first.join('|').toStdString() << " / " << r.second.join('|').toStdString();
+        bool right = firstSaved != secondSaved;
+        if (!secondAtK) {
+            ++metTheLock;
+            // Met the first's write lock, or found the first's save already committed.
+            const bool busyOrStale =
+                saysBusy(r.secondAtK) || r.secondAtK.contains(QLatin1String("since you opened it"));
+            EXPECT_TRUE(busyOrStale) << r.secondAtK.toStdString();
+            right = right && busyOrStale;
+        }
+        if (secondAtK && !r.firstCommittedAtK) {
+            EXPECT_FALSE(firstSaved);
+            right = right && !firstSaved;
+        }
+        const QStringList& loser = firstSaved ? r.second : r.first;
+        const bool told =
+            !loser.filter(QStringLiteral("was saved by another clerk since you opened it"))
+                 .isEmpty();
+        EXPECT_TRUE(told) << loser.join('|').toStdString();
+        FileLook look(work);
+        EXPECT_EQ(look.integrity(), QStringLiteral("ok"));
+        const int stillLive = live(look);
+        const int edits = historyRows(look, QStringLiteral("edited"));
+        EXPECT_EQ(stillLive, 1);
+        EXPECT_EQ(numbered(look), 1);
+        EXPECT_EQ(edits, 1);
+        const QString now = look.t.dump();
+        EXPECT_EQ(now, editedOnce);
+        if (right && told && stillLive == 1 && numbered(look) == 1 && edits == 1 &&
+            now == editedOnce)
+            ++nothingLost;
+    }
+    std::cout << "[ " << ::testing::UnitTest::GetInstance()->current_test_info()->name() << " ] "
+              << nothingLost << " of " << statements.size()
+              << " runs, nothing lost (the other edit saved before the statement: " << otherFirst
+              << ", met the first's lock or its commit: " << metTheLock << ")\n";
+    RecordProperty("runs_nothing_lost", nothingLost);
+    EXPECT_EQ(nothingLost, statements.size());
 }
 
 class SaveConcurrently : public SaveInterrupted {

@@ -255,7 +255,12 @@ void frmEmployeeDailyAttendance::fnPopulate() {
 
         fnLayOutScheduledPairs(start, end);
         if (!m_readError.isEmpty()) return;
-        fnCalculateTotalHours();
+        // The grace rule reads each day's first check-in; once one of those reads has failed
+        // the others are not asked: each would wait out the lock again, day after day.
+        rules::fnCalculateTotalHours(
+            *mfgAttendance->flexModel(), *mfgMirrorGrid->flexModel(),
+            [this](QDate d) { return m_readError.isEmpty() ? fnCheckGraceTime(d) : TimeValue(); },
+            intGraceTime);
         for (int row = 1; row < mfgAttendance->Rows() && m_readError.isEmpty(); ++row) {
             const std::optional<QDate> day =
                 rules::cellDate(mfgAttendance->TextMatrix(row, colDate));

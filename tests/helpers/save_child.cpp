@@ -22,26 +22,38 @@
 // the --released file, presses Populate and OK again and reports "saved <eaID> <eaNo>" and
 // "period <start> <end>". --read-wait MS sets the connection's lock wait for every
 // statement.
+// With --hold-at K --flag-dir DIR the K-th statement (from 1) of the step under test (the
+// first press of OK of a save or a cancellation, or the keying step named by --lock-at) is
+// held back: just before it the child creates DIR/at, reports "at K <statement>" and waits
+// until DIR/go-on exists, while the test takes a lock or lets another clerk act; from then on
+// each statement the step asks is reported as "asked <statement>". After that step the
+// child reports what it was shown (and, when the step was left unfinished, what OK
+// says), then "after-hold", and touches the database again only once DIR/released exists.
+// With --released FILE a save, an edit or a cancellation that failed is pressed again only
+// once FILE exists. With --count each step's statements are also listed as "sql <i> <statement>".
 
 #include <sys/resource.h>
 #include <unistd.h>
 
 #include <QApplication>
 #include <QComboBox>
-#include <QLineEdit>
 #include <QCommandLineParser>
+#include <QDir>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QFileInfo>
+#include <QLineEdit>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTextStream>
 #include <QThread>
 #include <cstdio>
+#include <functional>
 
 #include "SaveScenario.h"
-#include "register/frmCancel.h"
 #include "db/Database.h"
 #include "entry/frmEmployeeDailyAttendance.h"
+#include "register/frmCancel.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
@@ -67,27 +79,91 @@ void setLockWait(int ms) {
     q.exec(QStringLiteral("PRAGMA busy_timeout = ") + QString::number(ms));
 }
 
-// Presses OK until the save commits, reporting each error; false when it never did.
-bool pressOkUntilSaved(qz2::frmEmployeeDailyAttendance& form, int exitAt, bool count, int retries) {
+void waitForFile(const QString& file) {
+    QElapsedTimer waited;
+    waited.start();
+    while (!QFileInfo::exists(file) && waited.elapsed() < 60000) QThread::usleep(200);
+}
+
+// The statement held back (--hold-at, --flag-dir) and whether the step under test has met it.
+struct Hold {
+    int at = 0;
+    QString dir;
+    bool hit = false;
+    QString flag(const QString& name) const { return QDir(dir).filePath(name); }
+};
+Hold g_hold;
+
+// What --count lists.
+bool g_count = false;
+
+// The hook of one step's statements: records them, ends the process before statement
+// `exitAt`, and, when `holding`, waits before the held statement until the test lets it go.
+qz2::db::FaultHook watchStatements(QStringList& ran, int exitAt, bool holding) {
+    return [&ran, exitAt, holding](const QString& sql) {
+        ran << sql;
+        const int n = static_cast<int>(ran.size());
+        if (n == exitAt) {
+            std::fflush(stdout);
+            _exit(3);
+        }
+        if (holding && !g_hold.hit && n == g_hold.at) {
+            g_hold.hit = true;
+            QFile flag(g_hold.flag(QStringLiteral("at")));
+            flag.open(QIODevice::WriteOnly);
+            flag.close();
+            report(QStringLiteral("at %1 ").arg(n) + QString(sql).simplified());
+            waitForFile(g_hold.flag(QStringLiteral("go-on")));
+        }
+        // What the held step still asks of the database from the held statement on.
+        if (holding && g_hold.hit) report(QStringLiteral("asked ") + QString(sql).simplified());
+        return QString();
+    };
+}
+
+// The statements of a step, with --count: their number, "statements <n>" followed by the
+// step's name when there is one, and each of them.
+void reportStatements(const QStringList& ran, const QString& step = {}) {
+    if (!g_count) return;
+    report(QStringLiteral("statements ") + QString::number(ran.size()) +
+           (step.isEmpty() ? QString() : QLatin1Char(' ') + step));
+    for (int i = 0; i < ran.size(); ++i)
+        report(QStringLiteral("sql %1 ").arg(i + 1) + QString(ran[i]).simplified());
+}
+
+// The step that met the held statement is over and reported: nothing more reaches the
+// database until the test has let its lock go.
+void afterHold() {
+    report(QStringLiteral("after-hold"));
+    waitForFile(g_hold.flag(QStringLiteral("released")));
+}
+
+// Presses OK until the save commits, reporting each error; false when it never did. The
+// first press is the one --hold-at holds; after a failed press the next waits for
+// `released` when one is named.
+bool pressOkUntilSaved(qz2::frmEmployeeDailyAttendance& form, int exitAt, int retries,
+                       const QString& released = {}) {
     for (int attempt = 0; attempt <= retries; ++attempt) {
         qz2::msgbox_testing::clear();
         if (g_saveLockWait >= 0) setLockWait(g_saveLockWait);
-        int statements = 0;
-        qz2::db::setFaultHook([&statements, exitAt](const QString&) {
-            if (++statements == exitAt) {
-                std::fflush(stdout);
-                _exit(3);
-            }
-            return QString();
-        });
+        QStringList ran;
+        const bool holding = attempt == 0 && g_hold.at > 0;
+        qz2::db::setFaultHook(watchStatements(ran, exitAt, holding));
         form.cmdOK_Click();
         qz2::db::setFaultHook({});
         if (g_saveLockWait >= 0) setLockWait(10000);
-        if (count) report(QStringLiteral("statements ") + QString::number(statements));
-        if (form.saved()) return true;
+        reportStatements(ran);
+        if (form.saved()) {
+            if (holding && g_hold.hit) afterHold();
+            return true;
+        }
         const auto& shown = qz2::msgbox_testing::shown();
         report(QStringLiteral("error ") +
                (shown.isEmpty() ? QStringLiteral("(no message)") : shown.last().text));
+        if (holding && g_hold.hit)
+            afterHold();
+        else if (!released.isEmpty() && attempt < retries)
+            waitForFile(released);
     }
     report(QStringLiteral("gave-up"));
     return false;
@@ -105,12 +181,6 @@ void reportSaved(qint32 employee, QDate start) {
                q.value(1).toString());
     else
         report(QStringLiteral("saved ? ?"));
-}
-
-void waitForFile(const QString& file) {
-    QElapsedTimer waited;
-    waited.start();
-    while (!QFileInfo::exists(file) && waited.elapsed() < 60000) QThread::usleep(200);
 }
 
 // The third process: the exclusive lock for `ms` milliseconds. Another program on the same
@@ -156,20 +226,46 @@ int keyNewEntry(qint32 employee, const QString& lockAt, const QString& go,
     }
     form.cboEmpname->setCurrentIndex(mine == 0 ? 1 : 0);
     qz2::msgbox_testing::clear();
-    const auto at = [&](const QString& step) {
-        if (step != lockAt) return;
-        report(QStringLiteral("waiting"));
-        waitForFile(go);
+    // Runs one step of keying; true when it was the step whose statement was held back.
+    const auto step = [&](const QString& name, const std::function<void()>& action) {
+        const bool holding = name == lockAt && g_hold.at > 0;
+        if (name == lockAt && !holding && !go.isEmpty()) {
+            report(QStringLiteral("waiting"));
+            waitForFile(go);
+        }
+        QStringList ran;
+        qz2::db::setFaultHook(watchStatements(ran, 0, holding));
+        action();
+        qz2::db::setFaultHook({});
+        reportStatements(ran, name);
+        return holding && g_hold.hit;
     };
-    at(QStringLiteral("employee"));
-    form.cboEmpname->setCurrentIndex(mine);
+    // After the held step: OK says why it refuses when the step was left unfinished; once
+    // the lock is gone, Populate runs the step again.
+    const auto afterHeldStep = [&] {
+        if (form.unfinishedStep() != qz2::frmEmployeeDailyAttendance::Step::None) {
+            form.cmdOK_Click();
+            reportShown(QStringLiteral("refused"));
+        }
+        afterHold();
+        if (form.unfinishedStep() != qz2::frmEmployeeDailyAttendance::Step::None) {
+            form.cmdPopulateRecords_Click();
+            reportShown(QStringLiteral("error"));
+        }
+    };
+    if (step(QStringLiteral("employee"), [&] { form.cboEmpname->setCurrentIndex(mine); })) {
+        reportShown(QStringLiteral("error"));
+        afterHeldStep();
+    }
     reportShown(QStringLiteral("error"));
-    at(QStringLiteral("populate"));
-    form.cmdPopulateRecords_Click();
+    if (step(QStringLiteral("populate"), [&] { form.cmdPopulateRecords_Click(); })) {
+        reportShown(QStringLiteral("error"));
+        afterHeldStep();
+    }
     reportShown(QStringLiteral("error"));
-    at(QStringLiteral("ok"));
-    form.cmdOK_Click();
+    const bool heldAtOk = step(QStringLiteral("ok"), [&] { form.cmdOK_Click(); });
     reportShown(form.saved() ? QStringLiteral("error") : QStringLiteral("refused"));
+    if (heldAtOk) afterHold();
     if (!form.saved()) {
         if (!released.isEmpty()) waitForFile(released);
         // The clerk runs the step again and presses OK again.
@@ -255,9 +351,16 @@ int main(int argc, char** argv) {
     const QCommandLineOption waitOkOpt(QStringLiteral("wait-before-ok"),
                                        QStringLiteral("Press OK once this file exists."),
                                        QStringLiteral("file"));
-    parser.addOptions({dbOpt, empOpt, startOpt, savesOpt, editOpt, exitOpt, countOpt, busyOpt,
-                       goOpt, retriesOpt, fsizeOpt, holdOpt, keyedOpt, lockAtOpt, releasedOpt,
-                       readWaitOpt, cancelOpt, waitOkOpt});
+    const QCommandLineOption holdAtOpt(QStringLiteral("hold-at"),
+                                       QStringLiteral("Hold back the step's n-th statement."),
+                                       QStringLiteral("n"), QStringLiteral("0"));
+    const QCommandLineOption flagDirOpt(QStringLiteral("flag-dir"),
+                                        QStringLiteral("Folder of the hold's flag files."),
+                                        QStringLiteral("dir"));
+    parser.addOptions({dbOpt,       empOpt,    startOpt,  savesOpt,  editOpt,
+                       exitOpt,     countOpt,  busyOpt,   goOpt,     retriesOpt,
+                       fsizeOpt,    holdOpt,   keyedOpt,  lockAtOpt, releasedOpt,
+                       readWaitOpt, cancelOpt, waitOkOpt, holdAtOpt, flagDirOpt});
     parser.process(app);
     if (parser.isSet(fsizeOpt)) {
         const rlim_t bytes = parser.value(fsizeOpt).toULongLong();
@@ -277,6 +380,13 @@ int main(int argc, char** argv) {
         report(QStringLiteral("open-failed ") + QString::fromUtf8(e.what()));
         return 2;
     }
+    g_count = parser.isSet(countOpt);
+    g_hold.at = parser.value(holdAtOpt).toInt();
+    g_hold.dir = parser.value(flagDirOpt);
+    if (g_hold.at > 0 && g_hold.dir.isEmpty()) {
+        report(QStringLiteral("--hold-at needs --flag-dir"));
+        return 2;
+    }
     if (parser.isSet(keyedOpt))
         return keyNewEntry(parser.value(empOpt).toInt(), parser.value(lockAtOpt),
                            parser.value(goOpt), parser.value(releasedOpt));
@@ -292,7 +402,7 @@ int main(int argc, char** argv) {
     const QDate start = QDate::fromString(parser.value(startOpt), Qt::ISODate);
     const int exitAt = parser.value(exitOpt).toInt();
     const int retries = parser.value(retriesOpt).toInt();
-    const bool count = parser.isSet(countOpt);
+    const QString released = parser.value(releasedOpt);
 
     if (parser.isSet(cancelOpt)) {
         qz2::FlexGrid registerRows;
@@ -302,12 +412,26 @@ int main(int argc, char** argv) {
         registerRows.setCurrentCell(1, 0);
         qz2::setRegisterGrid(&registerRows);
         qz2::frmCancel dialog;
+        bool closed = false;
+        QObject::connect(&dialog, &QDialog::finished, [&closed] { closed = true; });
         dialog.txtcanreason->setText(QStringLiteral("Keyed twice"));
         report(QStringLiteral("loaded"));
         if (parser.isSet(waitOkOpt)) waitForFile(parser.value(waitOkOpt));
         qz2::msgbox_testing::clear();
+        QStringList ran;
+        qz2::db::setFaultHook(watchStatements(ran, exitAt, g_hold.at > 0));
         dialog.cmdOK_Click();
+        qz2::db::setFaultHook({});
+        reportStatements(ran);
         reportShown(QStringLiteral("error"));
+        const bool held = g_hold.hit;
+        if (held) afterHold();
+        // The dialog stays open after a failed statement: the clerk presses OK again.
+        if (!dialog.cancelled() && !closed && (held || !released.isEmpty())) {
+            if (!held) waitForFile(released);
+            dialog.cmdOK_Click();
+            reportShown(QStringLiteral("error"));
+        }
         qz2::setRegisterGrid(nullptr);
         if (!dialog.cancelled()) return 1;
         report(QStringLiteral("cancelled"));
@@ -331,7 +455,7 @@ int main(int argc, char** argv) {
         qz2test::applyStandardEdit(form, start);
         report(QStringLiteral("loaded"));
         if (parser.isSet(waitOkOpt)) waitForFile(parser.value(waitOkOpt));
-        const bool ok = pressOkUntilSaved(form, exitAt, count, retries);
+        const bool ok = pressOkUntilSaved(form, exitAt, retries, released);
         qz2::setRegisterGrid(nullptr);
         if (!ok) return 1;
         reportSaved(employee, start);
@@ -345,7 +469,7 @@ int main(int argc, char** argv) {
         qz2::frmEmployeeDailyAttendance form;
         form.Form_Load();
         qz2test::fillForm(form, qz2test::demoScenario(employee, from));
-        if (!pressOkUntilSaved(form, exitAt, count, retries)) return 1;
+        if (!pressOkUntilSaved(form, exitAt, retries, released)) return 1;
         reportSaved(employee, from);
     }
     return 0;
