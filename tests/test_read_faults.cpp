@@ -354,6 +354,30 @@ TEST_F(EditReadFaults, EveryStatementOfOpeningAnEntryFailingIsReportedOnceAndOpe
     }
 }
 
+TEST_F(EditReadFaults, OpeningAsksNothingMoreOfTheScheduleOnceAReadOfItFailed) {
+    // A lock held on the database: every read of a weekday's schedule or first check-in
+    // fails after its wait. The opening reports the first failure and asks no more of them.
+    for (const QString& kind : {QStringLiteral("Select a.cwtsCheckIn1 "), QStringLiteral("cwtsCheckOut4")}) {
+        SCOPED_TRACE(kind.toStdString());
+        gstrEntryMode = QStringLiteral("E");
+        frmEmployeeDailyAttendance form;
+        form.Form_Load();
+        msgbox_testing::clear();
+        int asked = 0;
+        db::setFaultHook([&](const QString& sql) {
+            if (!sql.contains(kind)) return QString();
+            ++asked;
+            return QStringLiteral("database is locked");
+        });
+        const bool loaded = form.fnLoadEntry(QString::number(id), false);
+        db::setFaultHook({});
+        EXPECT_FALSE(loaded);
+        EXPECT_EQ(asked, 1);
+        ASSERT_EQ(msgbox_testing::shown().size(), 1);
+        EXPECT_EQ(msgbox_testing::shown().first().text, QStringLiteral("database is locked"));
+    }
+}
+
 TEST_F(EditReadFaults, EveryStatementOfPopulateOnAnOpenedEntryFailingPutsItBackAndBlocksOk) {
     QStringList statements;
     QString shown;

@@ -3,13 +3,13 @@
 // and the allowance and deduction claims back into the day rows. An entry that a monthly
 // entry covers, or a cancelled one, opens for viewing only.
 
-#include <QListWidget>
-#include <QSet>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QGroupBox>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
+#include <QSet>
 #include <exception>
 #include <utility>
 
@@ -19,6 +19,7 @@
 #include "entry/SaveSql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "rules/DayTypes.h"
+#include "rules/Hours.h"
 #include "rules/Population.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -126,12 +127,17 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
         rules::fnLayOutStoredDays(*mfgAttendance->flexModel(), periodStart.value_or(QDate()),
                                   periodEnd.value_or(QDate()), dtDateOfJoin.value_or(QDate()),
                                   storedDays);
-        for (int row = 1; row < mfgAttendance->Rows(); ++row)
+        // Once a read has failed the opening shows nothing: the remaining days' schedule and
+        // first check-in are not asked (each would wait out a held lock again).
+        for (int row = 1; row < mfgAttendance->Rows() && m_readError.isEmpty(); ++row)
             if (const auto day = parseDmy(mfgAttendance->TextMatrix(row, colDate)))
                 fnCalculateScheduleHours(*day, static_cast<qint16>(row));
         fnZeroHolidaySchedule();
 
-        fnCalculateTotalHours();
+        rules::fnCalculateTotalHours(
+            *mfgAttendance->flexModel(), *mfgMirrorGrid->flexModel(),
+            [this](QDate d) { return m_readError.isEmpty() ? fnCheckGraceTime(d) : TimeValue(); },
+            intGraceTime);
 
         // The claims go back to their days: the amount as the day's Hours, the kind as its
         // AllowanceType ("A" allowance, "D" deduction).
@@ -169,7 +175,8 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
     } catch (const std::exception& e) {
         // Trapped: the form is not shown. A failed statement is reported.
         fnNoteReadFailure(e);
-        if (!m_readError.isEmpty()) MsgBox(std::exchange(m_readError, QString()), MsgButtons::Ok, MsgIcon::Information);
+        if (!m_readError.isEmpty())
+            MsgBox(std::exchange(m_readError, QString()), MsgButtons::Ok, MsgIcon::Information);
         return false;
     }
     // A read trapped on the way (the absent days, a schedule) leaves the entry half shown.
