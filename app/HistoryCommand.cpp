@@ -63,6 +63,10 @@ int runAddHistoryTableCommand(int argc, char** argv) {
                                     .arg(parser.positionalArguments().value(1)));
     if (parser.isSet(database) && parser.isSet(odbc))
         return fail(kExitUsage, QStringLiteral("give either --database or --odbc, not both."));
+    // A change to a database's tables is never made to one the command chose by itself.
+    if (!parser.isSet(database) && !parser.isSet(odbc))
+        return fail(kExitUsage,
+                    QStringLiteral("say which database: --database FILE or --odbc \"...\"."));
 
     QString openError;
     const std::optional<QSqlDatabase> opened = host::openAttendanceDatabase(

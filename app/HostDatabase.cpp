@@ -6,6 +6,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStandardPaths>
+#include <cstdio>
 #include <exception>
 
 #include "db/Database.h"
@@ -145,8 +146,14 @@ std::optional<QSqlDatabase> openAttendanceDatabase(const DatabaseChoice& choice,
         try {
             qz2::demo::createSchema(db);
             qz2::demo::generate(db, processDate);
-            // The time clocks' log of the month the demo leaves for the clerk, beside it.
-            qz2::demo::writeDemoPunches(db, processDate, demoPunchesPath(file));
+            // The time clocks' log of the month the demo leaves for the clerk, beside it. The
+            // demo database stands without it: a file that cannot be written is said, no more.
+            try {
+                qz2::demo::writeDemoPunches(db, processDate, demoPunchesPath(file));
+            } catch (const std::exception& e) {
+                std::fprintf(stderr, "qz2-attendance: the demo's punch file was not written: %s\n",
+                             qPrintable(oneLine(QString::fromUtf8(e.what()))));
+            }
         } catch (const std::exception& e) {
             db.close();
             QFile::remove(file);

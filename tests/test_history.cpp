@@ -217,8 +217,8 @@ TEST(HistorySqlServerText, TheStatementsAreWellFormedTsql) {
     TestDb t;  // identity link table
     const db::Dialect d = db::Dialect::sqlServer();
     qz2test::expectTsql(tableKeptQuery(d),
-                        QStringLiteral("select count(*) from INFORMATION_SCHEMA.TABLES where "
-                                       "TABLE_NAME='pEmpAttendanceHistory'"));
+                        QStringLiteral("select case when OBJECT_ID('pEmpAttendanceHistory','U') "
+                                       "is null then 0 else 1 end"));
     qz2test::expectTsql(
         numberOfEntryQuery(d, 1, 80),
         QStringLiteral("select top 1 ehAttendanceNo from pEmpAttendanceHistory where "
@@ -507,6 +507,38 @@ TEST_F(History, CreatedEditedTwiceImportedAndCancelledKeepEveryVersionWithWhoWhe
         byNew[0].changes,
         QStringLiteral("eaCancelled: 0 -> 1\neaCancelledRemarks: - -> \"admin:Keyed twice\""));
     EXPECT_TRUE(byNew[4].changes.startsWith(QStringLiteral("eaNo: - -> \"")));
+
+    // The register shows the import onto the stored entry as what it changed, not as a new
+    // entry's summary.
+    frmHistory dialog(secondEdit);
+    ASSERT_EQ(dialog.versionCount(), 5);
+    EXPECT_EQ(dialog.grdVersions->item(1, 1)->text(), QStringLiteral("Imported"));
+    dialog.grdVersions->setCurrentCell(1, 0);
+    EXPECT_FALSE(dialog.txtChanges->toPlainText().contains(QStringLiteral(" present, ")));
+    EXPECT_TRUE(dialog.txtChanges->toPlainText().contains(QStringLiteral("check-")))
+        << dialog.txtChanges->toPlainText().toStdString();
+}
+
+TEST(HistoryChain, AnotherEntryWithTheSameNumberIsLeftOut) {
+    const auto record = [](qint64 id, std::optional<qint32> oldId, qint32 newId) {
+        HistoryRecord r;
+        r.id = id;
+        r.oldId = oldId;
+        r.newId = newId;
+        return r;
+    };
+    // Newest first: entry 5 created, edited to 9, cancelled; another entry 7 of the same
+    // number created and edited to 12.
+    const QList<HistoryRecord> rows{record(6, 12, 12),          record(5, 9, 9),
+                                    record(4, 7, 12),           record(3, 5, 9),
+                                    record(2, std::nullopt, 7), record(1, std::nullopt, 5)};
+    QList<qint64> ids;
+    for (const HistoryRecord& r : chainOf(rows, 9)) ids << r.id;
+    EXPECT_EQ(ids, (QList<qint64>{5, 3, 1}));
+    ids.clear();
+    for (const HistoryRecord& r : chainOf(rows, 7)) ids << r.id;
+    EXPECT_EQ(ids, (QList<qint64>{6, 4, 2}));
+    EXPECT_TRUE(chainOf(rows, 99).isEmpty());
 }
 
 TEST_F(History, TheRegistersHistoryShowsEveryVersionAndTheEntryAsItWas) {

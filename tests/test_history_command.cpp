@@ -92,6 +92,7 @@ TEST_F(HistoryCommand, AddsTheTableOnceAndSaysSoTheSecondTime) {
 
 TEST_F(HistoryCommand, BadOptionsAndAMissingDatabaseHaveTheirExitCodes) {
     EXPECT_EQ(run({"add-history-table", "--nonsense"}).code, 2);
+    EXPECT_EQ(run({"add-history-table"}).code, 2);  // never the demo database by itself
     EXPECT_EQ(run({"add-history-table", "extra", "--database", file}).code, 2);
     const Outcome missing = run({"add-history-table", "--database", dir.filePath("none.sqlite")});
     EXPECT_EQ(missing.code, 3);

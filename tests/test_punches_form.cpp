@@ -298,6 +298,56 @@ TEST_F(FormPunches, ImportedTimesAreSavedAsTypedOnes) {
     EXPECT_EQ(lines[1][1].toString(), QStringLiteral("23:59:00"));
 }
 
+TEST_F(FormPunches, AClaimStaysOnADayWhoseTimesStayAndIsWithdrawnWithAWordWhereTheyChange) {
+    chooseAndPopulate(3);
+    FlexGridModel& days = *form.mfgAttendance->flexModel();
+    // Claims made before the import: on 5 November (the clock changes its times) and on
+    // 23 November (no punches yet: its laid-out times stay).
+    for (const QDate d : {QDate(2026, 11, 5), QDate(2026, 11, 23)}) {
+        days.setTextMatrix(rowOf(d), rules::daycol::AllowanceType, QStringLiteral("A"));
+        days.setTextMatrix(rowOf(d), rules::daycol::Hours, QStringLiteral("01:00"));
+    }
+    ASSERT_TRUE(form.fnImportPunches(file));
+    EXPECT_EQ(days.TextMatrix(rowOf(QDate(2026, 11, 5)), rules::daycol::AllowanceType), QString());
+    EXPECT_EQ(days.TextMatrix(rowOf(QDate(2026, 11, 23)), rules::daycol::AllowanceType),
+              QStringLiteral("A"));
+    EXPECT_EQ(days.TextMatrix(rowOf(QDate(2026, 11, 23)), rules::daycol::Hours),
+              QStringLiteral("01:00"));
+    EXPECT_TRUE(summary.contains(
+        QStringLiteral("05/11: allowance 01:00 withdrawn, the day's times changed")))
+        << summary.toStdString();
+    EXPECT_FALSE(summary.contains(QStringLiteral("23/11: allowance"))) << summary.toStdString();
+}
+
+TEST_F(FormPunches, ThePunchesGoOntoThePopulatedDaysWhateverThePeriodBoxesSayNow) {
+    chooseAndPopulate(3);
+    const QStringList laidOut = pairsOf(QDate(2026, 11, 20));
+    form.dtpEndDate->setDate(QDate(2026, 11, 15));  // changed after Populate, not populated
+    ASSERT_TRUE(form.fnImportPunches(file));
+    EXPECT_NE(pairsOf(QDate(2026, 11, 20)), laidOut);
+    EXPECT_FALSE(offered.contains(QStringLiteral("20/11/2026 Fri")));
+}
+
+TEST_F(FormPunches, PunchesOfAnotherMonthLayNothingOn) {
+    chooseAndPopulate(5);
+    const QString october = dir.filePath(QStringLiteral("october.txt"));
+    {
+        QFile f(october);
+        ASSERT_TRUE(f.open(QIODevice::WriteOnly));
+        f.write(
+            "    E0005\t2026-10-05 09:00:00\t1\t0\t0\t0\n    E0005\t2026-10-05 "
+            "17:00:00\t1\t1\t0\t0\n");
+    }
+    const QString before = qz2test::formSnapshot(form);
+    EXPECT_FALSE(form.fnImportPunches(october));
+    ASSERT_EQ(msgbox_testing::shown().size(), 1);
+    EXPECT_TRUE(
+        msgbox_testing::shown().first().text.startsWith(QStringLiteral("None of the punches of ")))
+        << msgbox_testing::shown().first().text.toStdString();
+    EXPECT_EQ(qz2test::formSnapshot(form), before);
+    EXPECT_TRUE(summary.isEmpty());  // no summary: nothing happened
+}
+
 TEST_F(FormPunches, RefusalsChangeNothing) {
     // Before Populate.
     const int index = form.cboEmpname->findData(5);

@@ -426,6 +426,11 @@ TEST(CancelSql, TheCancelledFlagIsReadFromTheTableTheUpdateWrites) {
     expectTsql(sql::cancelledFlagQuery(QStringLiteral("5"), 1),
                QStringLiteral(
                    "select eacancelled from pEmployeeattendence where eaId='5' and eaCompanyid=1"));
+    // Two clerks cancelling one entry on SQL Server are served one after the other.
+    expectTsql(*sql::cancelLockQuery(db::Dialect::sqlServer(), QStringLiteral("5"), 1),
+               QStringLiteral("select eacancelled from pEmployeeattendence with (updlock, holdlock) where "
+                              "eaId='5' and eaCompanyid=1"));
+    EXPECT_FALSE(sql::cancelLockQuery(db::Dialect::sqlite(), QStringLiteral("5"), 1).has_value());
     TestDb t;
     insertRegisterRows(t);
     t.exec(QStringLiteral(

@@ -648,11 +648,11 @@ void exec(QSqlDatabase& db, const QString& sql, const QVariantList& values) {
 
 // The history of the demo's entries, as the module writes it: the administrator keyed each
 // entry at the end of its entry date; the entry keyed twice was cancelled the next morning;
-// the clerk corrected the first of them two days later: a day's last check-out became
+// the clerk corrected the first of them two days later (never after the process date): a day's last check-out became
 // 18:30, the half hour claimed as overtime (a day after the entry's other claims, so that
 // the claim lines stay in date order as a save numbers them).
 void writeDemoHistory(QSqlDatabase& db, const std::vector<std::pair<const EntryPlan, int>>& keyed,
-                      int twice, int corrected) {
+                      int twice, int corrected, QDate processDate) {
     const history::EntryTables tables{QStringLiteral("pEmployeeAttendence"),
                                       QStringLiteral("pEmpAttendanceDetail"),
                                       QStringLiteral("pEmpAttendanceAllowanceDeductions")};
@@ -670,7 +670,7 @@ void writeDemoHistory(QSqlDatabase& db, const std::vector<std::pair<const EntryP
                         "eaCompanyID=? and eaID=?"),
          {QStringLiteral("admin:Entered twice"), kCompany, twice});
     cancel.record(history::Action::Cancelled, twice, 1, admin,
-                  QDateTime(twiceDate.addDays(1), QTime(9, 10)));
+                  QDateTime(std::min(twiceDate.addDays(1), processDate), QTime(9, 10)));
 
     QSqlQuery line(db);
     line.prepare(QStringLiteral(
@@ -702,7 +702,7 @@ void writeDemoHistory(QSqlDatabase& db, const std::vector<std::pair<const EntryP
          {kCompany, corrected, day, kCompany, corrected});
     QDate when;
     for (const auto& [e, company] : keyed)
-        if (e.id == corrected) when = e.date.addDays(2);
+        if (e.id == corrected) when = std::min(e.date.addDays(2), processDate);
     edit.record(history::Action::Edited, corrected, 2, QStringLiteral("clerk"),
                 QDateTime(when, QTime(11, 45)));
 }
@@ -859,7 +859,7 @@ void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
         writer.write(e, 12, 22);
         keyed.emplace_back(e, kSecondCompany);
     }
-    writeDemoHistory(db, keyed, twice, corrected);
+    writeDemoHistory(db, keyed, twice, corrected, processDate);
 
     // Payroll has been run for the oldest regular month of a few employees: a monthly
     // entry over that month locks their entries. A cancelled monthly entry locks nothing.

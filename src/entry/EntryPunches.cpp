@@ -85,22 +85,41 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
         return false;
     }
 
-    punches::PairingOptions options;
-    options.from = *start;
-    options.to = dtpEndDate->date();
-    options.businessDate = gdtProcessDate;
-    const punches::ImportPlan plan = punches::planImport(
-        *mfgAttendance->flexModel(), punches::pairPunches(mine, options), gdtProcessDate);
-
-    // Days whose times change lose a claim made on their old times: the clerk claims the
-    // new difference again.
-    QVector<QDate> changed;
-    for (const punches::DayImport& d : plan.days)
-        if (!d.pairs.isEmpty()) changed.append(d.date);
+    // The days the grid holds are the ones the punches are laid onto, whatever the period
+    // boxes say since Populate.
     FlexGridModel& days = *mfgAttendance->flexModel();
+    punches::PairingOptions options;
+    options.from = rules::cellDate(days.TextMatrix(1, colDate)).value_or(*start);
+    options.to =
+        rules::cellDate(days.TextMatrix(days.Rows() - 1, colDate)).value_or(dtpEndDate->date());
+    options.businessDate = gdtProcessDate;
+    const punches::ImportPlan plan =
+        punches::planImport(days, punches::pairPunches(mine, options), gdtProcessDate);
+    if (plan.pairs == 0) {
+        MsgBox(tr("None of the punches of %1 in the file falls between %2 and %3. Nothing was "
+                  "changed.")
+                   .arg(cboEmpname->currentText().trimmed(), dateText(options.from),
+                        dateText(options.to)),
+               MsgButtons::Ok, MsgIcon::Information);
+        return false;
+    }
+
+    // A day whose times change loses a claim made on its old times: the clerk claims the new
+    // difference again. A day that keeps its times keeps its claim.
+    const QVector<QDate> changed = punches::changedDays(*mfgMirrorGrid->flexModel(), plan);
+    QStringList withdrawn;
     for (int r = 1; r < days.Rows(); ++r) {
         const std::optional<QDate> day = rules::cellDate(days.TextMatrix(r, colDate));
-        if (day && changed.contains(*day)) days.setTextMatrix(r, colAllowanceType, QString());
+        const QString claim = days.TextMatrix(r, colAllowanceType).trimmed();
+        if (!day || !changed.contains(*day) ||
+            (claim != QLatin1String("A") && claim != QLatin1String("D")))
+            continue;
+        withdrawn
+            << tr("%1: %2 %3 withdrawn, the day's times changed; claim it again if it still holds")
+                   .arg(day->toString(QStringLiteral("dd/MM")),
+                        claim == QLatin1String("A") ? tr("allowance") : tr("deduction"),
+                        days.TextMatrix(r, colHours));
+        days.setTextMatrix(r, colAllowanceType, QString());
     }
     punches::applyImport(*mfgMirrorGrid->flexModel(), plan);
     fnCalculateTotalHours();
@@ -110,6 +129,7 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
     m_punchesImported = true;
 
     QStringList summary = punches::importSummary(plan);
+    summary << withdrawn;
     const QStringList problems = punches::describeProblems(read.problems);
     if (!problems.isEmpty()) summary << tr("Lines of the file that were not read:") << problems;
     frmPunchSummary dialog(summary, plan.workingDaysWithoutPunches, this);

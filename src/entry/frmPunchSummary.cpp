@@ -35,11 +35,12 @@ frmPunchSummary::frmPunchSummary(const QStringList& summary, const QVector<QDate
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
         item->setCheckState(Qt::Unchecked);
     }
-    auto* listLabel = new QLabel(
-        offeredAbsent.isEmpty()
-            ? tr("Every working day has punches.")
-            : tr("&Working days without any punch: tick those to mark absent (Space ticks)"),
-        this);
+    auto* listLabel =
+        new QLabel(offeredAbsent.isEmpty() ? tr("Every working day has punches.")
+                                           : tr("&Working days without any punch: tick those to "
+                                                "mark absent (Space ticks), then OK; "
+                                                "Esc keeps them as laid out"),
+                   this);
     listLabel->setBuddy(lstNoPunchDays);
     lstNoPunchDays->setVisible(!offeredAbsent.isEmpty());
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Ok, this);

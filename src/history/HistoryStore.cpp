@@ -1,5 +1,6 @@
 #include "history/HistoryStore.h"
 
+#include <QSet>
 #include <algorithm>
 
 #include "db/Database.h"
@@ -109,9 +110,11 @@ QStringList createTableStatements(const db::Dialect& d) {
 }
 
 QString tableKeptQuery(const db::Dialect& d) {
+    // SQL Server resolves the name as the history insert does (the user's default schema,
+    // then dbo), and only a table counts.
     if (d.isSqlServer())
-        return QStringLiteral("select count(*) from INFORMATION_SCHEMA.TABLES where TABLE_NAME='") +
-               tableName() + QLatin1Char('\'');
+        return QStringLiteral("select case when OBJECT_ID('") + tableName() +
+               QStringLiteral("','U') is null then 0 else 1 end");
     return QStringLiteral("select count(*) from sqlite_master where type='table' and name='") +
            tableName() + QStringLiteral("' collate nocase");
 }
@@ -235,7 +238,28 @@ QList<HistoryRecord> readHistory(const QSqlDatabase& db, qint16 company, qint32 
         if (!rs.isNull(10)) r.after = versionFromText(rs.field(10).toString());
         records.append(std::move(r));
     }
-    return records;
+    return chainOf(records, id);
+}
+
+QList<HistoryRecord> chainOf(const QList<HistoryRecord>& records, qint32 id) {
+    QSet<qint32> ids{id};
+    QList<bool> taken(records.size(), false);
+    for (bool grew = true; grew;) {
+        grew = false;
+        for (qsizetype i = 0; i < records.size(); ++i) {
+            const HistoryRecord& r = records[i];
+            if (taken[i] ||
+                !((r.newId && ids.contains(*r.newId)) || (r.oldId && ids.contains(*r.oldId))))
+                continue;
+            taken[i] = grew = true;
+            if (r.newId) ids.insert(*r.newId);
+            if (r.oldId) ids.insert(*r.oldId);
+        }
+    }
+    QList<HistoryRecord> chain;
+    for (qsizetype i = 0; i < records.size(); ++i)
+        if (taken[i]) chain.append(records[i]);
+    return chain;
 }
 
 VersionRecorder VersionRecorder::begin(const QSqlDatabase& db, qint16 company,

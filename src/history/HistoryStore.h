@@ -83,6 +83,11 @@ struct HistoryRecord {
 // or its new identifier, newest first; empty when there is none or no table.
 QList<HistoryRecord> readHistory(const QSqlDatabase& db, qint16 company, qint32 id);
 
+// Of the records (newest first), those of the entry `id` is or was an identifier of: the
+// chain of identifiers its creation, edits and cancellation link (before → after). Another
+// entry that carries the same number (an older database may hold two) is left out.
+QList<HistoryRecord> chainOf(const QList<HistoryRecord>& records, qint32 id);
+
 // What a save or a cancellation does inside its transaction: begin() before the stored
 // entry is touched (it reads the entry as it stands), record() after the new rows are in
 // (it reads them back and writes the history row). Without the table both do nothing more

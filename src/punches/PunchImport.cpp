@@ -78,6 +78,19 @@ ImportPlan planImport(const FlexGridModel& dayGrid, const QVector<PunchDay>& pai
     return plan;
 }
 
+QVector<QDate> changedDays(const FlexGridModel& mirror, const ImportPlan& plan) {
+    QHash<QDate, QVector<GridPair>> now;
+    for (int r = 1; r < mirror.Rows(); ++r)
+        if (const std::optional<QDate> date =
+                rules::cellDate(mirror.TextMatrix(r, rules::paircol::Date)))
+            now[*date].append({mirror.TextMatrix(r, rules::paircol::CheckIn),
+                               mirror.TextMatrix(r, rules::paircol::CheckOut)});
+    QVector<QDate> changed;
+    for (const DayImport& d : plan.days)
+        if (!d.pairs.isEmpty() && now.value(d.date) != d.pairs) changed.append(d.date);
+    return changed;
+}
+
 void applyImport(FlexGridModel& mirror, const ImportPlan& plan) {
     QHash<QDate, const DayImport*> replaced;
     for (const DayImport& d : plan.days)

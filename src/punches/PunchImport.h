@@ -49,6 +49,10 @@ struct ImportPlan {
 ImportPlan planImport(const FlexGridModel& dayGrid, const QVector<PunchDay>& paired,
                       QDate businessDate = QDate());
 
+// The planned days whose pairs differ from their mirror rows now: the days whose times the
+// import changes (a claim made on the old times no longer holds there).
+QVector<QDate> changedDays(const FlexGridModel& mirror, const ImportPlan& plan);
+
 // The mirror rows of every planned day become the day's pairs (numbered 1..n, in date
 // order with the other days' rows).
 void applyImport(FlexGridModel& mirror, const ImportPlan& plan);

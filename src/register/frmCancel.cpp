@@ -19,19 +19,22 @@
 namespace qz2 {
 
 std::optional<bool> fnIsEntryCancelled(const QString& attendanceId) {
-    db::Recordset rs = db::openRecordset(gadocon, sql::cancelledFlagQuery(attendanceId, gintCompanyID));
+    db::Recordset rs =
+        db::openRecordset(gadocon, sql::cancelledFlagQuery(attendanceId, gintCompanyID));
     if (rs.eof()) return std::nullopt;
     return db::isOn(rs.field(0));
 }
 
 QString alreadyCancelledText(const QString& attendanceId) {
-    return QStringLiteral("Entry %1 is already cancelled. Its reason for deletion is kept as it was recorded.")
+    return QStringLiteral(
+               "Entry %1 is already cancelled. Its reason for deletion is kept as it was recorded.")
         .arg(attendanceId);
 }
 
 QString entryGoneText(const QString& attendanceId) {
-    return QStringLiteral("Entry %1 was changed or removed by another clerk. Nothing was cancelled: "
-                          "refresh the list and try again.")
+    return QStringLiteral(
+               "Entry %1 was changed or removed by another clerk. Nothing was cancelled: "
+               "refresh the list and try again.")
         .arg(attendanceId);
 }
 
@@ -58,7 +61,9 @@ frmCancel::frmCancel(QWidget* parent) : QDialog(parent) {
     Form_Load();
 }
 
-void frmCancel::Form_Load() { setWindowTitle(QStringLiteral("Reason For Deletion")); }
+void frmCancel::Form_Load() {
+    setWindowTitle(QStringLiteral("Reason For Deletion"));
+}
 
 bool frmCancel::eventFilter(QObject* watched, QEvent* event) {
     if (watched == txtcanreason && event->type() == QEvent::KeyPress) {
@@ -88,7 +93,8 @@ void frmCancel::cmdOK_Click() {
         // The reads, the update and the history row are one unit: the flag read cannot go
         // stale before the update, and a cancellation is never stored without its history.
         db::Transaction transaction(gadocon, /*immediate=*/true);
-        db::Recordset user = db::openRecordset(gadocon, sql::cancelUserNameQuery(gintCompanyID, gintUserID));
+        db::Recordset user =
+            db::openRecordset(gadocon, sql::cancelUserNameQuery(gintCompanyID, gintUserID));
         QString remarks;
         QString userName;
         if (!user.eof()) {
@@ -97,6 +103,9 @@ void frmCancel::cmdOK_Click() {
         }
         FlexGrid* grid = registerGrid();
         const QString id = grid ? grid->TextMatrix(grid->Row(), 0) : QString();
+        if (const std::optional<QString> lock =
+                sql::cancelLockQuery(db::Dialect::of(gadocon), id, gintCompanyID))
+            db::openRecordset(gadocon, *lock);
         db::Recordset emp = db::openRecordset(gadocon, sql::cancelEmployeeQuery(id, gintCompanyID));
         (void)emp.field(QStringLiteral("eaEmpID"));  // no such entry: raises, nothing is written
         // Someone may have cancelled the entry while the reason was being typed: its stored
@@ -109,7 +118,8 @@ void frmCancel::cmdOK_Click() {
         }
         // The entry may have been saved again under another identifier, or removed, since it
         // was read: an update that changed nothing cancelled nothing, and the clerk is told.
-        history::VersionRecorder version = history::VersionRecorder::begin(gadocon, gintCompanyID, id.toInt());
+        history::VersionRecorder version =
+            history::VersionRecorder::begin(gadocon, gintCompanyID, id.toInt());
         if (db::execute(gadocon, sql::cancelUpdate(remarks, id, gintCompanyID)) == 0) {
             transaction.rollback();
             MsgBox(entryGoneText(id), MsgButtons::Ok, MsgIcon::Information);

@@ -92,7 +92,7 @@ frmHistory::frmHistory(qint32 entryId, QWidget* parent) : QDialog(parent) {
     entryLayout->addWidget(grdVersionDays, 1);
     tabVersion = new QTabWidget(this);
     tabVersion->setObjectName(QStringLiteral("tabVersion"));
-    tabVersion->addTab(txtChanges, tr("What &changed"));
+    tabVersion->addTab(txtChanges, tr("What chan&ged"));
     tabVersion->addTab(entryPage, tr("Entry &as it was"));
 
     auto* split = new QSplitter(Qt::Vertical, this);
@@ -141,8 +141,9 @@ frmHistory::frmHistory(qint32 entryId, QWidget* parent) : QDialog(parent) {
         s.ids = r.oldId && r.oldId != r.newId
                     ? idText(r.oldId) + QStringLiteral(" → ") + idText(r.newId)
                     : idText(r.newId);
-        if ((r.action == history::Action::Created || r.action == history::Action::Imported) &&
-            r.after)
+        // A version without a "before" is a new entry: it is summed up; any other says what
+        // changed, an import onto an existing entry included.
+        if (!r.before && r.after)
             s.words = {history::versionSummary(*r.after, employeeOf(r.after))};
         else if (r.after)
             s.words = history::changesInWords(
@@ -153,9 +154,7 @@ frmHistory::frmHistory(qint32 entryId, QWidget* parent) : QDialog(parent) {
         m_shown.append(s);
     }
     // An entry saved before history was kept: its oldest state is the first edit's "before".
-    if (!records.isEmpty() && records.last().before &&
-        records.last().action != history::Action::Created &&
-        records.last().action != history::Action::Imported) {
+    if (!records.isEmpty() && records.last().before) {
         Shown s;
         s.action = tr("Before history");
         s.ids = idText(records.last().oldId);
