@@ -17,7 +17,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "BenchMonth.h"
+#include "BenchSupport.h"
 #include "db/Database.h"
 #include "demo/DemoData.h"
 #include "entry/frmEmployeeDailyAttendance.h"
@@ -61,29 +61,10 @@ int main(int argc, char** argv) {
     }
 
     QTemporaryDir dir;
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("bench"));
-    db.setDatabaseName(dir.filePath(QStringLiteral("bench.sqlite")));
-    if (!db.open()) {
-        std::fprintf(stderr, "cannot open the database\n");
-        return 1;
-    }
-    qz2::demo::createSchema(db);
-    qz2::demo::generate(db, QDate(2026, 11, 21));
-    qz2::gadocon = db;
-    qz2::gintCompanyID = 1;
-    qz2::gintUserID = 1;
-    qz2::gdtProcessDate = QDate(2026, 11, 21);
-    qz2::gstrMsgboxTitle = QStringLiteral("Attendance");
-    qz2::glngInterfaceID = qz2::kInterfaceID;
-    qz2::fnLoadLinkTableNames();
-    qz2::msgbox_testing::setAutoAnswer(true);
-
-    QSqlQuery pick(db);
-    pick.exec(QStringLiteral(
-        "select eEmpID from pEmployee where eCompanyID=1 and eActive=1 and eDeptID is not "
-        "null and PerHourRate>0 order by eEmpID limit 1"));
-    if (!pick.next()) return 1;
-    const qint32 employee = pick.value(0).toInt();
+    const std::optional<qint32> picked = benchmonth::openDemoSession(dir);
+    if (!picked) return 1;
+    const qint32 employee = *picked;
+    QSqlDatabase db = qz2::gadocon;
 
     // The entry and its edits, through the form.
     qint32 id = 0;

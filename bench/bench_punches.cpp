@@ -10,6 +10,7 @@
 #include <QTemporaryDir>
 #include <cstdio>
 
+#include "BenchSupport.h"
 #include "punches/PunchFile.h"
 #include "punches/PunchMatch.h"
 #include "punches/PunchPairs.h"
@@ -18,20 +19,8 @@ using namespace qz2::punches;
 
 namespace {
 
-long statusKb(const char* key) {
-    QFile f(QStringLiteral("/proc/self/status"));
-    if (!f.open(QIODevice::ReadOnly)) return -1;
-    for (const QByteArray& line : f.readAll().split('\n'))
-        if (line.startsWith(key))
-            return line.mid(static_cast<int>(qstrlen(key))).trimmed().split(' ').first().toLong();
-    return -1;
-}
-
-// Resets the peak resident size to the current one (Linux: "5" to clear_refs).
-void resetPeak() {
-    QFile f(QStringLiteral("/proc/self/clear_refs"));
-    if (f.open(QIODevice::WriteOnly)) f.write("5");
-}
+using benchmonth::resetPeak;
+using benchmonth::statusKb;
 
 int optionValue(const QStringList& args, const QString& name, int fallback) {
     const int i = args.indexOf(name);

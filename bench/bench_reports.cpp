@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <functional>
 
+#include "BenchSupport.h"
 #include "db/Database.h"
 #include "demo/DemoData.h"
 #include "reports/Report.h"
@@ -25,20 +26,8 @@
 
 namespace {
 
-long statusKb(const char* key) {
-    QFile f(QStringLiteral("/proc/self/status"));
-    if (!f.open(QIODevice::ReadOnly)) return -1;
-    for (const QByteArray& line : f.readAll().split('\n'))
-        if (line.startsWith(key))
-            return line.mid(static_cast<int>(qstrlen(key))).trimmed().split(' ').first().toLong();
-    return -1;
-}
-
-// Resets the peak resident size to the current one (Linux: "5" to clear_refs).
-void resetPeak() {
-    QFile f(QStringLiteral("/proc/self/clear_refs"));
-    if (f.open(QIODevice::WriteOnly)) f.write("5");
-}
+using benchmonth::resetPeak;
+using benchmonth::statusKb;
 
 }  // namespace
 
