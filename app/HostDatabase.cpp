@@ -15,15 +15,14 @@
 namespace qz2::host {
 
 DatabaseOptions databaseOptions() {
-    return {
-        QCommandLineOption(QStringLiteral("database"),
-                           QStringLiteral("SQLite database file to use."), QStringLiteral("FILE")),
-        QCommandLineOption(QStringLiteral("odbc"),
-                           QStringLiteral("ODBC connection string of a SQL Server database."),
-                           QStringLiteral("CONNECTION STRING")),
-        QCommandLineOption(QStringLiteral("company"),
-                           QStringLiteral("Company identifier (default 1)."), QStringLiteral("ID"),
-                           QStringLiteral("1"))};
+    return {QCommandLineOption(QStringLiteral("database"),
+                               QStringLiteral("SQLite database file to use."), QStringLiteral("FILE")),
+            QCommandLineOption(QStringLiteral("odbc"),
+                               QStringLiteral("ODBC connection string of a SQL Server database."),
+                               QStringLiteral("CONNECTION STRING")),
+            QCommandLineOption(QStringLiteral("company"),
+                               QStringLiteral("Company identifier (default 1)."),
+                               QStringLiteral("ID"), QStringLiteral("1"))};
 }
 
 std::optional<qint16> sixteenBitId(const QString& text) {
@@ -115,8 +114,8 @@ std::optional<QSqlDatabase> openAttendanceDatabase(const DatabaseChoice& choice,
                 qz2::db::execute(db, statement);
         } catch (const qz2::db::DbError& e) {
             db.close();
-            error =
-                QStringLiteral("cannot prepare the database session: %1").arg(oneLine(e.message()));
+            error = QStringLiteral("cannot prepare the database session: %1")
+                        .arg(oneLine(e.message()));
             return std::nullopt;
         }
         return db;

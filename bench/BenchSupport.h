@@ -8,13 +8,16 @@
 #include <QComboBox>
 #include <QDate>
 #include <QDateEdit>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QLineEdit>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <cstdio>
 #include <optional>
+#include <vector>
 
 #include "demo/DemoData.h"
 #include "entry/frmEmployeeDailyAttendance.h"
@@ -26,6 +29,17 @@
 #include "shared/MsgBox.h"
 
 namespace benchmonth {
+
+// Milliseconds since the timer started.
+inline double ms(const QElapsedTimer& t) {
+    return static_cast<double>(t.nsecsElapsed()) / 1e6;
+}
+
+// The median of the times.
+inline double median(std::vector<double> v) {
+    std::sort(v.begin(), v.end());
+    return v.size() % 2 ? v[v.size() / 2] : (v[v.size() / 2 - 1] + v[v.size() / 2]) / 2.0;
+}
 
 // A line of /proc/self/status in kB ("VmHWM:", "VmRSS:"); -1 when it cannot be read.
 inline long statusKb(const char* key) {

@@ -38,14 +38,9 @@ using benchmonth::kDays;
 using benchmonth::keyMonth;
 using benchmonth::kStart;
 
-double ms(const QElapsedTimer& t) {
-    return static_cast<double>(t.nsecsElapsed()) / 1e6;
-}
+using benchmonth::ms;
 
-double median(std::vector<double> v) {
-    std::sort(v.begin(), v.end());
-    return v.size() % 2 ? v[v.size() / 2] : (v[v.size() / 2 - 1] + v[v.size() / 2]) / 2.0;
-}
+using benchmonth::median;
 
 }  // namespace
 

@@ -34,9 +34,7 @@ using benchmonth::kDays;
 using benchmonth::keyMonth;
 using benchmonth::kStart;
 
-double ms(const QElapsedTimer& t) {
-    return static_cast<double>(t.nsecsElapsed()) / 1e6;
-}
+using benchmonth::ms;
 
 }  // namespace
 
@@ -95,9 +93,7 @@ int main(int argc, char** argv) {
     rows.next();
     std::vector<double> sorted = times;
     std::sort(sorted.begin(), sorted.end());
-    const double median = sorted.size() % 2
-                              ? sorted[sorted.size() / 2]
-                              : (sorted[sorted.size() / 2 - 1] + sorted[sorted.size() / 2]) / 2.0;
+    const double median = benchmonth::median(times);
     std::printf("history %s\n", withoutHistory ? "not kept (no table)" : "kept");
     std::printf("save of %d days x 6 pairs + %d claims, %d runs on an SQLite file\n", kDays, kDays,
                 runs);

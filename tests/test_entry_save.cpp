@@ -24,6 +24,7 @@
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "history/HistoryStore.h"
 #include "register/FrmMaster.h"
+#include "register/RegisterSql.h"
 #include "rules/HalfDay.h"
 #include "rules/Pairs.h"
 #include "rules/RuleGrids.h"
@@ -373,7 +374,7 @@ TEST_F(EntrySave, ANewSaveRunsItsStatementsInOrderAndPreparesEachInsertOnce) {
         history::headerVersionQuery(1, savedId),
         history::lineVersionQuery(1, savedId),
         history::claimVersionQuery(1, savedId),
-        history::userNameQuery(),
+        sql::cancelUserNameQuery(1, 1),
         history::historyInsert()};
     EXPECT_EQ(ran, expected);
 }

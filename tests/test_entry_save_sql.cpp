@@ -194,14 +194,14 @@ TEST(SaveValues, NullsAreTypedAndNull) {
 }
 
 TEST(SaveValues, StoredHoursReadBackAsTheGridsHoursText) {
-    EXPECT_EQ(hoursText(2.75), QStringLiteral("02:45"));
-    EXPECT_EQ(hoursText(40.0 / 60.0), QStringLiteral("00:40"));
-    EXPECT_EQ(hoursText(0.0), QStringLiteral("00:00"));
-    EXPECT_EQ(hoursText(1.5), QStringLiteral("01:30"));
+    EXPECT_EQ(rules::decimalHoursText(2.75), QStringLiteral("02:45"));
+    EXPECT_EQ(rules::decimalHoursText(40.0 / 60.0), QStringLiteral("00:40"));
+    EXPECT_EQ(rules::decimalHoursText(0.0), QStringLiteral("00:00"));
+    EXPECT_EQ(rules::decimalHoursText(1.5), QStringLiteral("01:30"));
     // The save's conversion of the text gives the stored amount back, minute for minute.
     for (int minutes = 0; minutes < 24 * 60; minutes += 7) {
         const double stored = minutes / 60 + (minutes % 60) / 60.0;
-        const std::optional<double> again = rules::hoursToDecimal(hoursText(stored));
+        const std::optional<double> again = rules::hoursToDecimal(rules::decimalHoursText(stored));
         ASSERT_TRUE(again.has_value()) << minutes;
         EXPECT_DOUBLE_EQ(*again, stored) << minutes;
     }

@@ -33,6 +33,7 @@
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
 #include "shared/SharedServices.h"
+#include "shared/TimeValue.h"
 
 using namespace qz2;
 using namespace qz2::history;
@@ -41,6 +42,9 @@ using qz2test::TestDb;
 namespace {
 
 const QDate kStart(2026, 11, 2);  // a Monday
+
+// A time of day as a stored line holds it.
+TimeValue hm(int hours, int minutes) { return TimeValue::fromTime(QTime(hours, minutes)); }
 
 EntryVersion sampleVersion() {
     EntryVersion v;
@@ -60,9 +64,9 @@ EntryVersion sampleVersion() {
                              QString()};
     for (const QString& value : values)
         v.header.append(value.isNull() ? std::nullopt : std::optional<QString>(value));
-    v.lines = {{1, QDate(2026, 11, 16), QStringLiteral("P"), QTime(9, 0), QTime(18, 0)},
-               {2, QDate(2026, 11, 17), QStringLiteral("P"), QTime(9, 0), QTime(13, 0)},
-               {3, QDate(2026, 11, 17), QStringLiteral("P"), QTime(14, 0), QTime(18, 0)}};
+    v.lines = {{1, QDate(2026, 11, 16), QStringLiteral("P"), hm(9, 0), hm(18, 0)},
+               {2, QDate(2026, 11, 17), QStringLiteral("P"), hm(9, 0), hm(13, 0)},
+               {3, QDate(2026, 11, 17), QStringLiteral("P"), hm(14, 0), hm(18, 0)}};
     return v;
 }
 
@@ -123,7 +127,7 @@ TEST(HistoryText, ALaterCheckOutAndItsAllowanceAreTheOnlyChange) {
     const EntryVersion before = sampleVersion();
     EntryVersion after = before;
     after.id = 57;  // re-keyed: the identifier is no change of the entry's content
-    after.lines[0].checkOut = QTime(20, 0);
+    after.lines[0].checkOut = hm(20, 0);
     after.claims = {{1, QDate(2026, 11, 16), 2.0, 11, std::nullopt}};
     const QList<Change> changes = versionChanges(&before, after);
     EXPECT_EQ(changesText(changes), QStringLiteral("2026-11-16 pairs: 09:00-18:00 -> 09:00-20:00\n"
@@ -136,9 +140,9 @@ TEST(HistoryText, ALaterCheckOutAndItsAllowanceAreTheOnlyChange) {
 TEST(HistoryText, PairsAddedRemovedAndNumberedDaysTypesAndHeaderInWords) {
     const EntryVersion before = sampleVersion();
     EntryVersion after = before;
-    after.lines[1].checkIn = QTime(9, 30);  // 17/11 pair 1
+    after.lines[1].checkIn = hm(9, 30);  // 17/11 pair 1
     after.lines.removeAt(2);                // 17/11 pair 2 gone
-    after.lines.append({3, QDate(2026, 11, 16), QStringLiteral("P"), QTime(19, 0), QTime(21, 0)});
+    after.lines.append({3, QDate(2026, 11, 16), QStringLiteral("P"), hm(19, 0), hm(21, 0)});
     after.lines.append({4, QDate(2026, 11, 18), QStringLiteral("A"), std::nullopt, std::nullopt});
     after.setValue(u"eaRemarks", QStringLiteral("O'Brien said \"yes\""));
     after.setValue(u"eaEndDate", QStringLiteral("2026-11-18"));
@@ -248,9 +252,6 @@ TEST(HistorySqlServerText, TheStatementsAreWellFormedTsql) {
         QStringLiteral("select eaadDetailID,eaadDate,eaadHours,eaadAllowanceID,eaadDeductionID "
                        "from pEmpAttendanceAllowanceDeductions where eaadCompanyID=1 and "
                        "eaadAttendanceID=80 order by eaadDetailID"));
-    qz2test::expectTsql(
-        userNameQuery(),
-        QStringLiteral("select username from pusers where companyid=? and userid=?"));
 }
 
 TEST(HistorySchema, TheSchemaFilesCreateTheTableAsTheCommandDoes) {
@@ -384,14 +385,14 @@ protected:
                      text(v.value(u"eaCancelledRemarks")))};
         for (const VersionLine& l : v.lines)
             out << QStringLiteral("D|%1|%2|%3|%4|%5")
-                       .arg(QString::number(l.id), l.date.toString(Qt::ISODate), l.type,
-                            l.checkIn ? l.checkIn->toString(QStringLiteral("HH:mm"))
+                       .arg(QString::number(l.detailId), l.date.toString(Qt::ISODate), l.type,
+                            l.checkIn ? l.checkIn->format(u"HH:mm")
                                       : QStringLiteral("NULL"),
-                            l.checkOut ? l.checkOut->toString(QStringLiteral("HH:mm"))
+                            l.checkOut ? l.checkOut->format(u"HH:mm")
                                        : QStringLiteral("NULL"));
         for (const VersionClaim& c : v.claims)
             out << QStringLiteral("C|%1|%2|%3|%4")
-                       .arg(QString::number(c.id), c.date.toString(Qt::ISODate),
+                       .arg(QString::number(c.detailId), c.date.toString(Qt::ISODate),
                             QString::number(c.hours),
                             c.allowanceId ? QStringLiteral("A") : QStringLiteral("D"));
         return out;

@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 
 #include "SaveScenario.h"
+#include "TestSupport.h"
 
 namespace {
 
@@ -39,16 +40,7 @@ protected:
     }
     Outcome run(const QStringList& args) {
         QProcess p;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.remove("DISPLAY");
-        env.remove("WAYLAND_DISPLAY");
-        env.insert("XDG_DATA_HOME", dir.filePath("data"));
-        QDir().mkpath(dir.filePath("runtime"));
-        QFile::setPermissions(dir.filePath("runtime"), QFileDevice::ReadOwner |
-                                                           QFileDevice::WriteOwner |
-                                                           QFileDevice::ExeOwner);
-        env.insert("XDG_RUNTIME_DIR", dir.filePath("runtime"));
-        p.setProcessEnvironment(env);
+        p.setProcessEnvironment(qz2test::headlessEnvironment(dir.path()));
         p.start(QStringLiteral(QZ2_HOST_PROGRAM), args);
         EXPECT_TRUE(p.waitForFinished(60000));
         return Outcome{p.exitCode(), QString::fromUtf8(p.readAllStandardOutput()),

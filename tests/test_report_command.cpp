@@ -12,6 +12,7 @@
 #include <QTemporaryDir>
 
 #include "ReportMonth.h"
+#include "TestSupport.h"
 
 namespace {
 
@@ -31,19 +32,7 @@ protected:
     // `shell` runs before the program (a file-size limit, say).
     Outcome run(QStringList args, const QString& shell = {}) {
         QProcess p;
-        // No display of any kind: the command must not need one.
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.remove("DISPLAY");
-        env.remove("WAYLAND_DISPLAY");
-        env.remove("QT_QPA_PLATFORM");
-        env.insert("XDG_DATA_HOME", dir.filePath("data"));
-        // Qt's own warning about a missing runtime folder would mix into the messages.
-        QDir().mkpath(dir.filePath("runtime"));
-        QFile::setPermissions(dir.filePath("runtime"), QFileDevice::ReadOwner |
-                                                           QFileDevice::WriteOwner |
-                                                           QFileDevice::ExeOwner);
-        env.insert("XDG_RUNTIME_DIR", dir.filePath("runtime"));
-        p.setProcessEnvironment(env);
+        p.setProcessEnvironment(qz2test::headlessEnvironment(dir.path()));
         args.prepend("report");
         args << "--database" << dir.filePath("month.sqlite");
         if (shell.isEmpty()) {

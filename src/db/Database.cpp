@@ -56,6 +56,10 @@ std::optional<QString> failedStatementMessage(const std::exception& e) {
     return failed->message().isEmpty() ? QString::fromUtf8(e.what()) : failed->message();
 }
 
+QString errorMessage(const std::exception& e) {
+    return failedStatementMessage(e).value_or(QString::fromUtf8(e.what()));
+}
+
 int Recordset::indexOf(const QString& name) const {
     for (int i = 0; i < m_names.size(); ++i)
         if (m_names[i].compare(name, Qt::CaseInsensitive) == 0) return i;

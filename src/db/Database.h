@@ -39,6 +39,9 @@ QString quotesDoubled(QString text);
 // The database's message when `e` is a failed statement (its own text when the driver gave
 // none); nullopt for any other error, which the handlers trap quietly.
 std::optional<QString> failedStatementMessage(const std::exception& e);
+// What the clerk is told of any error: the database's message of a failed statement,
+// otherwise the error's own text.
+QString errorMessage(const std::exception& e);
 
 // All the rows of one result, read at once; fields are found by name without regard to
 // letter case, as the suite's column names are spelt inconsistently.

@@ -646,22 +646,31 @@ void exec(QSqlDatabase& db, const QString& sql, const QVariantList& values) {
     if (!q.exec()) fail(sql, q.lastError());
 }
 
+// An entry of the demo as its history needs it.
+struct KeyedEntry {
+    int company = kCompany;
+    int id = 0;
+    QDate date;
+};
+
 // The history of the demo's entries, as the module writes it: the administrator keyed each
 // entry at the end of its entry date; the entry keyed twice was cancelled the next morning;
-// the clerk corrected the first of them two days later (never after the process date): a day's last check-out became
-// 18:30, the half hour claimed as overtime (a day after the entry's other claims, so that
-// the claim lines stay in date order as a save numbers them).
-void writeDemoHistory(QSqlDatabase& db, const std::vector<std::pair<const EntryPlan, int>>& keyed,
-                      int twice, int corrected, QDate processDate) {
+// the clerk corrected the first of them two days later (never after the process date): a
+// day's last check-out became 18:30, the half hour claimed as overtime (a day after the
+// entry's other claims, so that the claim lines stay in date order as a save numbers them).
+void writeDemoHistory(QSqlDatabase& db, const std::vector<KeyedEntry>& keyed, int twice,
+                      int corrected, QDate processDate) {
     const history::EntryTables tables{QStringLiteral("pEmployeeAttendence"),
                                       QStringLiteral("pEmpAttendanceDetail"),
                                       QStringLiteral("pEmpAttendanceAllowanceDeductions")};
     const QString admin = QStringLiteral("admin");
     QDate twiceDate;
-    for (const auto& [e, company] : keyed) {
-        history::VersionRecorder::begin(db, static_cast<qint16>(company), std::nullopt, tables)
+    QDate correctedDate;
+    for (const KeyedEntry& e : keyed) {
+        history::VersionRecorder::begin(db, static_cast<qint16>(e.company), std::nullopt, tables)
             .record(history::Action::Created, e.id, 1, admin, QDateTime(e.date, QTime(17, 30)));
         if (e.id == twice) twiceDate = e.date;
+        if (e.id == corrected) correctedDate = e.date;
     }
     if (twice == 0) return;
     history::VersionRecorder cancel = history::VersionRecorder::begin(db, kCompany, twice, tables);
@@ -700,11 +709,8 @@ void writeDemoHistory(QSqlDatabase& db, const std::vector<std::pair<const EntryP
              "count(*)+1,?,0.5,11,NULL from pEmpAttendanceAllowanceDeductions where "
              "eaadCompanyID=? and eaadAttendanceID=?"),
          {kCompany, corrected, day, kCompany, corrected});
-    QDate when;
-    for (const auto& [e, company] : keyed)
-        if (e.id == corrected) when = std::min(e.date.addDays(2), processDate);
     edit.record(history::Action::Edited, corrected, 2, QStringLiteral("clerk"),
-                QDateTime(when, QTime(11, 45)));
+                QDateTime(std::min(correctedDate.addDays(2), processDate), QTime(11, 45)));
 }
 
 void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
@@ -824,7 +830,7 @@ void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
     int nextNo1 = 0;
     const QDate lastMonth = m0.addMonths(-1);
     bool duplicated = false;
-    std::vector<std::pair<const EntryPlan, int>> keyed;  // (entry, company) in keying order
+    std::vector<KeyedEntry> keyed;  // in keying order
     int twice = 0;                                       // the entry keyed twice, then cancelled
     int corrected = 0;                                   // the entry the clerk corrected
     for (const auto& [month, empId] : entryMonths) {
@@ -834,7 +840,7 @@ void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
         e.id = ++nextId;
         e.number = QStringLiteral("ATT%1").arg(++nextNo1);
         writer.write(e, 11, 21);
-        keyed.emplace_back(e, kCompany);
+        keyed.push_back({kCompany, e.id, e.date});
         if (!duplicated && month == lastMonth) {
             // The same month entered twice; the second one is cancelled below.
             duplicated = true;
@@ -842,7 +848,7 @@ void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
             e.id = ++nextId;
             e.number = QStringLiteral("ATT%1").arg(++nextNo1);
             writer.write(e, 11, 21);
-            keyed.emplace_back(e, kCompany);
+            keyed.push_back({kCompany, e.id, e.date});
             twice = e.id;
         }
     }
@@ -857,7 +863,7 @@ void generateDemo(QSqlDatabase& db, QDate processDate, const DemoScale& scale) {
         e.id = ++nextId;
         e.number = QStringLiteral("HC%1").arg(++nextNo2);
         writer.write(e, 12, 22);
-        keyed.emplace_back(e, kSecondCompany);
+        keyed.push_back({kSecondCompany, e.id, e.date});
     }
     writeDemoHistory(db, keyed, twice, corrected, processDate);
 

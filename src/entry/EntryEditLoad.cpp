@@ -3,13 +3,13 @@
 // and the allowance and deduction claims back into the day rows. An entry that a monthly
 // entry covers, or a cancelled one, opens for viewing only.
 
+#include <QListWidget>
+#include <QSet>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QGroupBox>
 #include <QLineEdit>
-#include <QListWidget>
 #include <QPushButton>
-#include <QSet>
 #include <exception>
 #include <utility>
 
@@ -21,6 +21,7 @@
 #include "rules/DayTypes.h"
 #include "rules/Hours.h"
 #include "rules/Population.h"
+#include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 #include "shared/MsgBox.h"
@@ -152,7 +153,7 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
                 if (mfgAttendance->TextMatrix(row, colDate) != day) continue;
                 mfgAttendance->setTextMatrix(
                     row, colHours,
-                    entry::savesql::hoursText(rs.field(QStringLiteral("eaadHours")).toDouble()));
+                    rules::decimalHoursText(rs.field(QStringLiteral("eaadHours")).toDouble()));
                 mfgAttendance->setTextMatrix(row, colAllowanceType,
                                              allowance ? QStringLiteral("A") : QStringLiteral("D"));
                 break;
@@ -175,8 +176,7 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
     } catch (const std::exception& e) {
         // Trapped: the form is not shown. A failed statement is reported.
         fnNoteReadFailure(e);
-        if (!m_readError.isEmpty())
-            MsgBox(std::exchange(m_readError, QString()), MsgButtons::Ok, MsgIcon::Information);
+        if (!m_readError.isEmpty()) MsgBox(std::exchange(m_readError, QString()), MsgButtons::Ok, MsgIcon::Information);
         return false;
     }
     // A read trapped on the way (the absent days, a schedule) leaves the entry half shown.

@@ -4,7 +4,6 @@
 #include "db/Dialect.h"
 #include "entry/EntryRules.h"
 #include "entry/EntrySql.h"
-#include "entry/frmEmployeeDailyAttendance.h"
 #include "shared/BasAttendence.h"
 
 namespace qz2 {
@@ -23,12 +22,5 @@ QString generateAttendanceNo(const QSqlDatabase& db, qint16 company, qint32 inte
 }
 
 }  // namespace entry
-
-QString frmEmployeeDailyAttendance::fnGenerateAttendanceNo() const {
-    // The register sets the screen's identifier on start-up; a form opened on its own
-    // still numbers under this screen.
-    const qint32 interfaceId = glngInterfaceID != 0 ? glngInterfaceID : kInterfaceID;
-    return entry::generateAttendanceNo(gadocon, gintCompanyID, interfaceId);
-}
 
 }  // namespace qz2

@@ -204,9 +204,7 @@ bool frmEmployeeDailyAttendance::FnCheckCalendarSettingsNotEntered() {
 
 bool frmEmployeeDailyAttendance::fnIsMonthlyEntryOverlapping(qint32 employee, QDate start,
                                                              QDate end) const {
-    const QVariant count =
-        db::scalar(gadocon, entry::sql::monthlyEntryOverlapQuery(dialect(), employee, start, end));
-    return count.toLongLong() > 0;
+    return entry::isMonthlyEntryOverlapping(gadocon, employee, start, end);
 }
 
 bool frmEmployeeDailyAttendance::fnCheckWorkTimeSettings() {
@@ -253,9 +251,13 @@ void frmEmployeeDailyAttendance::fnRelistAbsentDays(QDate start, QDate end) {
     const QList<QDate> pickedList = fnPickedAbsentDays();
     const QSet<QDate> picked(pickedList.cbegin(), pickedList.cend());
     fnPopoulateList(start, end);
+    fnTickAbsentDays(picked);
+}
+
+void frmEmployeeDailyAttendance::fnTickAbsentDays(const QSet<QDate>& days) {
     for (int i = 0; i < lstAbsentDays->count(); ++i) {
         QListWidgetItem* item = lstAbsentDays->item(i);
-        if (picked.contains(item->data(Qt::UserRole).toDate())) item->setCheckState(Qt::Checked);
+        if (days.contains(item->data(Qt::UserRole).toDate())) item->setCheckState(Qt::Checked);
     }
 }
 

@@ -19,6 +19,7 @@
 #include "punches/PunchPairs.h"
 #include "punches/PunchStore.h"
 #include "rules/DayTypes.h"
+#include "rules/HalfDay.h"
 #include "rules/Hours.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -56,8 +57,6 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
         cmdPopulateRecords->setFocus();
         return false;
     }
-    const std::optional<QDate> start = parseDmy(txtStartDate->text().trimmed());
-    if (!start) return false;
     const WaitCursor wait;
 
     const punches::ReadResult read = punches::readPunchFile(path);
@@ -73,8 +72,7 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
         match = punches::matchPunches(read.punches,
                                       punches::readCompanyEmployees(gadocon, gintCompanyID));
     } catch (const std::exception& e) {
-        MsgBox(db::failedStatementMessage(e).value_or(QString::fromUtf8(e.what())), MsgButtons::Ok,
-               MsgIcon::Information);
+        MsgBox(db::errorMessage(e), MsgButtons::Ok, MsgIcon::Information);
         return false;
     }
     const QVector<punches::Punch> mine = match.punchesByEmployee.value(employee);
@@ -89,9 +87,8 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
     // boxes say since Populate.
     FlexGridModel& days = *mfgAttendance->flexModel();
     punches::PairingOptions options;
-    options.from = rules::cellDate(days.TextMatrix(1, colDate)).value_or(*start);
-    options.to =
-        rules::cellDate(days.TextMatrix(days.Rows() - 1, colDate)).value_or(dtpEndDate->date());
+    options.from = rules::cellDate(days.TextMatrix(1, colDate)).value_or(QDate());
+    options.to = rules::cellDate(days.TextMatrix(days.Rows() - 1, colDate)).value_or(QDate());
     options.businessDate = gdtProcessDate;
     const punches::ImportPlan plan =
         punches::planImport(days, punches::pairPunches(mine, options), gdtProcessDate);
@@ -119,13 +116,18 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
                    .arg(day->toString(QStringLiteral("dd/MM")),
                         claim == QLatin1String("A") ? tr("allowance") : tr("deduction"),
                         days.TextMatrix(r, colHours));
-        days.setTextMatrix(r, colAllowanceType, QString());
+        rules::fnSetDayAllowanceDeduction(days, days.TextMatrix(r, colHours), QString(), *day,
+                                          false);
     }
+    // Hours and counts as after typed times; the day shown follows its new pairs.
+    const auto recompute = [this] {
+        fnCalculateTotalHours();
+        fnFindtheAdditionalWorkingHours();
+        fnCountDayTypes();
+        mfgAttendance_Click();
+    };
     punches::applyImport(*mfgMirrorGrid->flexModel(), plan);
-    fnCalculateTotalHours();
-    fnFindtheAdditionalWorkingHours();
-    fnCountDayTypes();
-    mfgAttendance_Click();  // the day shown follows its new pairs
+    recompute();
     m_punchesImported = true;
 
     QStringList summary = punches::importSummary(plan);
@@ -137,20 +139,9 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
         const QVector<QDate> absent = dialog.fnTickedDays();
         if (!absent.isEmpty()) {
             // Ticked in the absent-day list too, so that Populate again keeps them absent.
-            for (int i = 0; i < lstAbsentDays->count(); ++i) {
-                QListWidgetItem* item = lstAbsentDays->item(i);
-                const QVariant kept = item->data(Qt::UserRole);
-                const std::optional<TimeValue> listed = parseTimeValue(item->text());
-                const QDate day = kept.typeId() == QMetaType::QDate ? kept.toDate()
-                                  : listed                          ? listed->date()
-                                                                    : QDate();
-                if (absent.contains(day)) item->setCheckState(Qt::Checked);
-            }
+            fnTickAbsentDays(QSet<QDate>(absent.cbegin(), absent.cend()));
             punches::markDaysAbsent(days, *mfgMirrorGrid->flexModel(), absent);
-            fnCalculateTotalHours();
-            fnFindtheAdditionalWorkingHours();
-            fnCountDayTypes();
-            mfgAttendance_Click();
+            recompute();
         }
     }
     return true;

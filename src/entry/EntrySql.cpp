@@ -180,6 +180,11 @@ QString prefixQuery(qint32 interfaceId, qint16 company) {
 
 namespace qz2::entry {
 
+bool isMonthlyEntryOverlapping(const QSqlDatabase& db, qint32 employee, QDate start, QDate end) {
+    return db::scalar(db, sql::monthlyEntryOverlapQuery(db::Dialect::of(db), employee, start, end))
+               .toLongLong() > 0;
+}
+
 namespace {
 bool g_bypassCache = false;
 }  // namespace

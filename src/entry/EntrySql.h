@@ -72,6 +72,10 @@ namespace qz2::entry {
 
 class StatementCache;
 
+// Whether a monthly (payroll) entry of the employee that is not cancelled starts or ends
+// inside the period: such an entry cannot be changed. Throws db::DbError.
+bool isMonthlyEntryOverlapping(const QSqlDatabase& db, qint32 employee, QDate start, QDate end);
+
 // The rows of one of the form's read-only statements, through the form's cache: the
 // database is asked only the first time the text is seen while the form is open (or
 // since the employee last changed). Throws db::DbError like the statement would.

@@ -21,10 +21,6 @@ namespace qz2::entry {
 
 namespace {
 
-QString describe(const std::exception& e) {
-    return db::failedStatementMessage(e).value_or(QString::fromUtf8(e.what()));
-}
-
 // Waits for another saver's lock instead of failing at once, unless the connection already
 // has a wait of its own.
 void ensureLockWait(const QSqlDatabase& db, const db::Dialect& d) {
@@ -56,9 +52,8 @@ SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint
     try {
         // Even the checks' reads may meet another saver's commit: wait for it from the start.
         ensureLockWait(db, d);
-        if (editMode && db::scalar(db, sql::monthlyEntryOverlapQuery(
-                                           d, e.employee, rules::requiredDate(e.startText), e.end))
-                                .toLongLong() > 0)
+        if (editMode &&
+            isMonthlyEntryOverlapping(db, e.employee, rules::requiredDate(e.startText), e.end))
             return {std::nullopt, QStringLiteral("Monthly entry done. Canot Modify.")};
 
         auto helper = commonmodule::createCommonDB(db);
@@ -178,7 +173,7 @@ SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint
         return {newId, QString()};
     } catch (const std::exception& ex) {
         // The transaction scope has rolled back whatever was written.
-        return {std::nullopt, describe(ex)};
+        return {std::nullopt, db::errorMessage(ex)};
     }
 }
 

@@ -174,10 +174,4 @@ QString allowanceLinesQuery(qint16 company, const QString& id) {
            QStringLiteral(" eaadCompanyID= ") + n(company);
 }
 
-QString hoursText(double decimalHours) {
-    const long long minutes = std::llround(std::fabs(decimalHours) * 60.0);
-    return TimeValue::fromHM(static_cast<int>(minutes / 60), static_cast<int>(minutes % 60))
-        .format(u"HH:mm");
-}
-
 }  // namespace qz2::entry::savesql

@@ -100,8 +100,4 @@ QString allowanceLinesQuery(qint16 company, const QString& id);
 // rules::headerFingerprint); empty when the entry's row is not there.
 QStringList storedHeaderFingerprint(const db::Recordset& header);
 
-// Stored decimal hours (hours + minutes / 60) as the day grid's "HH:mm" Hours text; the
-// inverse of the save's conversion, to the nearest minute.
-QString hoursText(double decimalHours);
-
 }  // namespace qz2::entry::savesql

@@ -123,6 +123,8 @@ public:
     QList<QDate> fnPickedAbsentDays() const;
     // lstAbsentDays listed again for start..end, the days ticked before ticked again.
     void fnRelistAbsentDays(QDate start, QDate end);
+    // Ticks the listed days among `days` in lstAbsentDays (the others keep their ticks).
+    void fnTickAbsentDays(const QSet<QDate>& days);
     static bool isAbsentDayPicked(const QListWidgetItem* item);
 
     // ---- Work-time schedule ---------------------------------------------------------
@@ -144,7 +146,6 @@ public:
 
     // ---- Numbering ------------------------------------------------------------------
     // The next attendance number. Database errors propagate to the caller (the save).
-    QString fnGenerateAttendanceNo() const;
 
     // ---- Population (EntryPopulate.cpp) ---------------------------------------------
     // Populate: New mode lays out the whole period; Edit mode re-applies absent days and

@@ -6,7 +6,11 @@
 #include <QLocale>
 #include <QMap>
 #include <QSet>
+#include <QTime>
 #include <cmath>
+
+#include "rules/Saving.h"
+#include "shared/TimeValue.h"
 
 namespace qz2::history {
 
@@ -17,16 +21,8 @@ const QString kNone = QStringLiteral("-");
 QString isoDate(QDate d) {
     return d.toString(Qt::ISODate);
 }
-QString hm(QTime t) {
-    return t.toString(QStringLiteral("HH:mm"));
-}
-
-// Decimal hours as "hh:mm", to the nearest minute.
-QString hoursHm(double hours) {
-    const long long minutes = std::llround(std::fabs(hours) * 60.0);
-    return QStringLiteral("%1:%2")
-        .arg(minutes / 60, 2, 10, QLatin1Char('0'))
-        .arg(minutes % 60, 2, 10, QLatin1Char('0'));
+QString hm(TimeValue t) {
+    return t.format(u"HH:mm");
 }
 
 QString quoted(const QString& text) {
@@ -38,18 +34,18 @@ QString quoted(const QString& text) {
 QJsonValue jsonOf(const std::optional<QString>& v) {
     return v ? QJsonValue(*v) : QJsonValue();
 }
-QJsonValue jsonOf(const std::optional<QTime>& t) {
+QJsonValue jsonOf(const std::optional<TimeValue>& t) {
     return t ? QJsonValue(hm(*t)) : QJsonValue();
 }
 QJsonValue jsonOf(const std::optional<qint32>& n) {
     return n ? QJsonValue(static_cast<qint64>(*n)) : QJsonValue();
 }
 
-std::optional<QTime> timeOf(const QJsonValue& v) {
+std::optional<TimeValue> timeOf(const QJsonValue& v) {
     if (v.isNull()) return std::nullopt;
     const QTime t = QTime::fromString(v.toString(), QStringLiteral("HH:mm"));
     if (!t.isValid()) throw std::invalid_argument("time");
-    return t;
+    return TimeValue::fromTime(t);
 }
 
 std::optional<qint32> idOf(const QJsonValue& v) {
@@ -254,10 +250,10 @@ QString versionText(const EntryVersion& version) {
     QJsonArray lines;
     for (const VersionLine& l : version.lines)
         lines.append(
-            QJsonArray{l.id, isoDate(l.date), l.type, jsonOf(l.checkIn), jsonOf(l.checkOut)});
+            QJsonArray{l.detailId, isoDate(l.date), l.type, jsonOf(l.checkIn), jsonOf(l.checkOut)});
     QJsonArray claims;
     for (const VersionClaim& c : version.claims)
-        claims.append(QJsonArray{c.id, isoDate(c.date), c.hours, jsonOf(c.allowanceId),
+        claims.append(QJsonArray{c.detailId, isoDate(c.date), c.hours, jsonOf(c.allowanceId),
                                  jsonOf(c.deductionId)});
     const QJsonObject root{{QStringLiteral("id"), static_cast<qint64>(version.id)},
                            {QStringLiteral("header"), header},
@@ -319,7 +315,7 @@ std::optional<QString> dayClaim(const EntryVersion& v, QDate day) {
     for (const VersionClaim& c : v.claims)
         if (c.date == day)
             claims << (c.allowanceId ? QStringLiteral("A ") : QStringLiteral("D ")) +
-                          hoursHm(c.hours);
+                          rules::decimalHoursText(c.hours);
     if (claims.isEmpty()) return std::nullopt;
     return claims.join(QLatin1Char(' '));
 }
@@ -437,7 +433,7 @@ QList<VersionDay> versionDays(const EntryVersion& version) {
     for (const VersionClaim& c : version.claims) {
         VersionDay& d = days[c.date];
         d.date = c.date;
-        (c.allowanceId ? d.allowance : d.deduction) = hoursHm(c.hours);
+        (c.allowanceId ? d.allowance : d.deduction) = rules::decimalHoursText(c.hours);
     }
     for (VersionDay& d : days) d.pairs = dayPairs(version, d.date).value_or(QString());
     return days.values();

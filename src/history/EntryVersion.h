@@ -19,8 +19,9 @@
 #include <QList>
 #include <QString>
 #include <QStringList>
-#include <QTime>
 #include <optional>
+
+#include "rules/Saving.h"
 
 namespace qz2::history {
 
@@ -32,23 +33,9 @@ std::optional<Action> actionFromCode(QStringView code);
 // The word a clerk reads ("Created", ...).
 QString actionWords(Action action);
 
-struct VersionLine {
-    int id = 0;
-    QDate date;
-    QString type;
-    std::optional<QTime> checkIn;
-    std::optional<QTime> checkOut;
-    friend bool operator==(const VersionLine&, const VersionLine&) = default;
-};
-
-struct VersionClaim {
-    int id = 0;
-    QDate date;
-    double hours = 0.0;
-    std::optional<qint32> allowanceId;
-    std::optional<qint32> deductionId;
-    friend bool operator==(const VersionClaim&, const VersionClaim&) = default;
-};
+// A version's lines are the rows of the detail and claim tables, as the save writes them.
+using VersionLine = rules::DetailLine;
+using VersionClaim = rules::AllowanceLine;
 
 // The header columns a version keeps, in this order: eaNo, eaDate, eaEmpID, eaStartDate,
 // eaEndDate, eaPresent, eaLeaves, eaAbsent, eacwtsid, eaPerHourRate, eaRemarks,

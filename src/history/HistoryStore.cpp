@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "db/Database.h"
+#include "register/RegisterSql.h"
 #include "shared/BasAttendence.h"
 #include "shared/SharedServices.h"
 #include "shared/TimeValue.h"
@@ -36,10 +37,11 @@ std::optional<QString> headerValue(const QString& column, const QVariant& v) {
     return ok ? numberText(number) : v.toString();
 }
 
-std::optional<QTime> timeOfDay(const QVariant& v) {
+// A stored time of day to the minute, as the save writes it.
+std::optional<TimeValue> timeOfDay(const QVariant& v) {
     const std::optional<TimeValue> t = timeValueFromDb(v);
     if (!t) return std::nullopt;
-    return QTime(t->hour(), t->minute());
+    return TimeValue::fromTime(QTime(t->hour(), t->minute()));
 }
 
 QDate dateOf(const QVariant& v) {
@@ -138,10 +140,6 @@ QString claimVersionQuery(qint16 company, qint32 id, const EntryTables& tables) 
            tables.claims + QStringLiteral(" where eaadCompanyID=") + n(company) +
            QStringLiteral(" and eaadAttendanceID=") + n(id) +
            QStringLiteral(" order by eaadDetailID");
-}
-
-QString userNameQuery() {
-    return QStringLiteral("select username from pusers where companyid=? and userid=?");
 }
 
 QString historyInsert() {
@@ -282,8 +280,9 @@ void VersionRecorder::record(Action action, qint32 newId, qint16 user,
         throw db::DbError(QStringLiteral("The entry to record in the history is not stored"),
                           tableName());
     if (!userName) {
+        // The user's name as the cancellation reads it for its reason.
         const db::Recordset user_ =
-            db::openRecordset(m_db, userNameQuery(), {QVariant(m_company), QVariant(user)});
+            db::openRecordset(m_db, sql::cancelUserNameQuery(m_company, user));
         userName = user_.eof() ? QString() : user_.field(0).toString().trimmed();
     }
     const db::Dialect d = db::Dialect::of(m_db);

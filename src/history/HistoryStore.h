@@ -42,7 +42,6 @@ QString lineVersionQuery(qint16 company, qint32 id,
                          const EntryTables& tables = linkedEntryTables());
 QString claimVersionQuery(qint16 company, qint32 id,
                           const EntryTables& tables = linkedEntryTables());
-QString userNameQuery();  // two values: company, user
 QString historyInsert();  // eleven values, in the table's column order after ehID
 QString numberOfEntryQuery(const db::Dialect& d, qint16 company, qint32 id);
 QString historyQuery(qint16 company, const QString& attendanceNo);

@@ -3,6 +3,8 @@
 #include <QHash>
 #include <algorithm>
 
+#include "rules/DayTypes.h"
+#include "rules/Population.h"
 #include "rules/RuleGrids.h"
 #include "shared/TimeValue.h"
 
@@ -119,17 +121,9 @@ void applyImport(FlexGridModel& mirror, const ImportPlan& plan) {
 }
 
 void markDaysAbsent(FlexGridModel& dayGrid, FlexGridModel& mirror, const QVector<QDate>& days) {
-    for (int r = 1; r < dayGrid.Rows(); ++r) {
-        const std::optional<QDate> date =
-            rules::cellDate(dayGrid.TextMatrix(r, rules::daycol::Date));
-        if (date && days.contains(*date))
-            dayGrid.setTextMatrix(r, rules::daycol::Type, QStringLiteral("A"));
-    }
-    for (int r = mirror.Rows() - 1; r >= 1; --r) {
-        const std::optional<QDate> date =
-            rules::cellDate(mirror.TextMatrix(r, rules::paircol::Date));
-        if (date && days.contains(*date)) mirror.RemoveItem(r);
-    }
+    const QList<QDate> marked(days.cbegin(), days.cend());
+    rules::fnMarkAbsentDays(dayGrid, marked, marked, false, {});
+    for (QDate d : days) rules::fnRemoveMirrorRowsOfDate(mirror, d);
 }
 
 bool hasFlaggedDays(const ImportPlan& plan) {

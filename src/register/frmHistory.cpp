@@ -113,9 +113,7 @@ frmHistory::frmHistory(qint32 entryId, QWidget* parent) : QDialog(parent) {
     try {
         records = history::readHistory(gadocon, gintCompanyID, entryId);
     } catch (const std::exception& e) {
-        lblEntry->setText(
-            tr("The history could not be read: %1")
-                .arg(db::failedStatementMessage(e).value_or(QString::fromUtf8(e.what()))));
+        lblEntry->setText(tr("The history could not be read: %1").arg(db::errorMessage(e)));
     }
     // Employees by name; an entry's employee rarely changes, so each is read once.
     QHash<QString, QString> employees;

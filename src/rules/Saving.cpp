@@ -1,6 +1,7 @@
 #include "rules/Saving.h"
 
 #include <QSet>
+#include <cmath>
 
 namespace qz2::rules {
 
@@ -27,6 +28,12 @@ TimeValue storedTime(const QString& text) {
 }
 
 }  // namespace
+
+QString decimalHoursText(double decimalHours) {
+    const long long minutes = std::llround(std::fabs(decimalHours) * 60.0);
+    return TimeValue::fromHM(static_cast<int>(minutes / 60), static_cast<int>(minutes % 60))
+        .format(u"HH:mm");
+}
 
 std::optional<double> hoursToDecimal(const QString& hoursText) {
     const auto t = parseTimeValue(hoursText);

@@ -36,6 +36,7 @@ struct DetailLine {
     QString type;
     std::optional<TimeValue> checkIn;
     std::optional<TimeValue> checkOut;
+    friend bool operator==(const DetailLine&, const DetailLine&) = default;
 };
 
 // One row of the allowance/deduction table: exactly one of the two identifiers is set.
@@ -45,11 +46,16 @@ struct AllowanceLine {
     double hours = 0.0;
     std::optional<int> allowanceId;
     std::optional<int> deductionId;
+    friend bool operator==(const AllowanceLine&, const AllowanceLine&) = default;
 };
 
 // The "Hours" text ("HH:mm" or "hh.mm") as decimal hours: hours + minutes / 60. nullopt when
 // the text is not a time.
 std::optional<double> hoursToDecimal(const QString& hoursText);
+
+// Stored decimal hours (hours + minutes / 60) as the day grid's "HH:mm" Hours text; the
+// inverse of hoursToDecimal, to the nearest minute.
+QString decimalHoursText(double decimalHours);
 
 // The trimmed Type of the first day row whose Date text equals dateText; "" when none does.
 QString dayTypeForMirrorRow(const FlexGridModel& dayGrid, const QString& dateText);

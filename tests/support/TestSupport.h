@@ -6,6 +6,7 @@
 #include <QDate>
 #include <QElapsedTimer>
 #include <QMessageBox>
+#include <QProcessEnvironment>
 #include <QSqlDatabase>
 #include <QString>
 #include <QStringList>
@@ -92,5 +93,10 @@ private:
 void whenModal(std::function<void(QWidget*)> action, int timeoutMs = 5000);
 // Clicks the button of the given kind on the active message box, whenever it shows.
 void answerNextMessageBox(QMessageBox::StandardButton button, QString* textOut = nullptr, int timeoutMs = 5000);
+
+// The environment the host program's commands run in under test: no display of any kind
+// (they must not need one), the user's data and Qt's runtime folder inside `folder` (Qt's
+// warning about a missing runtime folder would mix into the messages).
+QProcessEnvironment headlessEnvironment(const QString& folder);
 
 }  // namespace qz2test
