@@ -453,10 +453,9 @@ void frmEmployeeDailyAttendance::Form_Load() {
         m_db->strTableName = LinkedTableNames.pemployee;
         m_db->populatecomboorlist(cboEmpname, QStringLiteral("eEmpId"), QStringLiteral("ename"),
                                   entry::sql::employeeListCondition(dialect(), gintCompanyID));
-        m_db->strTableName = QStringLiteral("pSettings");
-        intGraceTime =
-            static_cast<qint16>(m_db->fnReturnField(QStringLiteral("gracetime")).toInt());
-        blnConsiderLeaveHolidays = db::isOn(m_db->fnReturnField(QStringLiteral("ConsiderLeaveHolidays")));
+        const entry::PopulateSettings settings = entry::readPopulateSettings(gadocon);
+        intGraceTime = static_cast<qint16>(settings.graceMinutes);
+        blnConsiderLeaveHolidays = settings.considerLeaveHolidays;
         if (isNewMode()) {
             txtAttdate->setText(dateText(gdtProcessDate));
             txtStartDate->setText(dateText(gdtProcessDate));

@@ -4,8 +4,8 @@
 
 #include <QComboBox>
 #include <QDateEdit>
-#include <QLineEdit>
 #include <QItemSelection>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "db/Database.h"
+#include "entry/EntryReads.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "shared/BasAttendence.h"
@@ -114,64 +115,35 @@ bool frmEmployeeDailyAttendance::fnRunUnfinishedStep() {
 bool frmEmployeeDailyAttendance::GetDeptID() {
     strCalendarCondition.clear();
     strWorkTimeCondition.clear();
-    bool calendarByDepartment = false;
-    bool workTimeByDepartment = false;
-    {
-        const db::Recordset rs =
-            db::openRecordset(gadocon, entry::sql::departmentSwitchesQuery(gintCompanyID));
-        if (!rs.eof()) {
-            calendarByDepartment = db::isOn(rs.field(QStringLiteral("calendardepwise")));
-            workTimeByDepartment = db::isOn(rs.field(QStringLiteral("cwtsdepwise")));
-        }
-    }
-    const db::Recordset rs = db::openRecordset(
-        gadocon, entry::sql::employeeDepartmentQuery(gintCompanyID, lngEmployeeID));
-    if (rs.eof()) {
-        // Nothing of the previous employee may carry over to this one.
-        lngDepartmentID = 0;
-        strDepartmentName.clear();
-        dtDateOfJoin.reset();
-        tell(QStringLiteral("There is no department for this employee."));
+    const entry::EmployeeSettings settings =
+        entry::readEmployeeSettings(gadocon, gintCompanyID, lngEmployeeID);
+    // Nothing of the previous employee may carry over to this one.
+    lngDepartmentID = settings.departmentId;
+    strDepartmentName = settings.departmentName;
+    dtDateOfJoin = settings.dateOfJoin;
+    strCalendarCondition = settings.calendarCondition;
+    strWorkTimeCondition = settings.workTimeCondition;
+    if (!settings.hasDepartment) {
+        tell(entry::kMsgNoDepartment);
         return false;
     }
-    lngDepartmentID = rs.field(QStringLiteral("DepartmentID")).toInt();
-    strDepartmentName = rs.field(QStringLiteral("DepartmentName")).toString();
-    const std::optional<TimeValue> joined =
-        timeValueFromDb(rs.field(QStringLiteral("eDateofjoin")));
-    dtDateOfJoin = joined ? std::optional<QDate>(joined->date()) : std::nullopt;
-    if (calendarByDepartment)
-        strCalendarCondition = entry::sql::calendarDepartmentCondition(lngDepartmentID);
-    if (workTimeByDepartment)
-        strWorkTimeCondition = entry::sql::workTimeDepartmentCondition(lngDepartmentID);
     return true;
 }
 
 bool frmEmployeeDailyAttendance::fnProposePeriod() {
-    QDate start;
-    const std::optional<TimeValue> next = timeValueFromDb(db::scalar(
-        gadocon, entry::sql::nextPeriodStartQuery(dialect(), gintCompanyID, lngEmployeeID)));
-    if (next) {
-        start = next->date();
-    } else {
-        // The employee's first entry: the start of the business date's pay month, or, when
-        // the company has none, whatever start the form already shows.
-        start = parseDmy(txtStartDate->text()).value_or(QDate());
-        const db::Recordset rs = db::openRecordset(
-            gadocon, entry::sql::payMonthStartQuery(gintCompanyID, gdtProcessDate.month()));
-        if (!rs.eof()) {
-            if (const auto payDay = timeValueFromDb(rs.field(QStringLiteral("PayRollDay"))))
-                start = entry::movePayMonthStartIntoYear(payDay->date(), gdtProcessDate);
-        }
-    }
+    // The employee's first entry, in a company without pay months, keeps whatever start the
+    // form already shows.
+    const QDate start =
+        entry::readProposedStart(gadocon, gintCompanyID, lngEmployeeID, gdtProcessDate)
+            .value_or(parseDmy(txtStartDate->text()).value_or(QDate()));
     if (!start.isValid()) return false;
-    const QDate end = entry::proposedPeriodEnd(start);
-    const entry::JoinedStart joined = entry::applyDateOfJoin(start, dtDateOfJoin);
-    if (joined.invalidDateOfJoin) {
-        tell(QStringLiteral("Invalid date of Join cannot proceed"));
+    const entry::ProposedPeriod period = entry::proposePeriod(start, dtDateOfJoin);
+    if (period.invalidDateOfJoin) {
+        tell(entry::kMsgInvalidDateOfJoin);
         return false;
     }
-    dtPeriodStart = joined.start;
-    dtPeriodEnd = end;
+    dtPeriodStart = period.start;
+    dtPeriodEnd = period.end;
     txtStartDate->setText(dateText(dtPeriodStart));
     dtpEndDate->setDate(dtPeriodEnd);
     m_lastPeriodEnd = dtPeriodEnd;
@@ -187,11 +159,8 @@ bool frmEmployeeDailyAttendance::FnCheckCalendarSettingsNotEntered() {
         const std::optional<QDate> day = parseDmy(box->text());
         if (!day) return false;
         const int year = day->year();
-        const QVariant count = db::scalar(
-            gadocon, entry::sql::calendarCountQuery(gintCompanyID, strCalendarCondition, year));
-        if (count.toLongLong() == 0) {
-            tell(QStringLiteral("Calender Settings not Found for ") + strDepartmentName.trimmed() +
-                 QStringLiteral(" for the year - ") + QString::number(year));
+        if (!entry::hasCalendar(gadocon, gintCompanyID, strCalendarCondition, year)) {
+            tell(entry::calendarMissingMessage(strDepartmentName, year));
             cmdPopulateRecords->setEnabled(false);
             cmdOK->setEnabled(false);
             return false;
@@ -208,15 +177,11 @@ bool frmEmployeeDailyAttendance::fnIsMonthlyEntryOverlapping(qint32 employee, QD
 }
 
 bool frmEmployeeDailyAttendance::fnCheckWorkTimeSettings() {
-    const QVariant newest =
-        db::scalar(gadocon, entry::sql::workTimeSettingQuery(gintCompanyID, strWorkTimeCondition));
-    if (newest.isNull()) {
-        lngWorkTimeSettingID = 0;
-        tell(QStringLiteral("Worktime Settings not Found for ") + strDepartmentName);
-        return false;
-    }
-    lngWorkTimeSettingID = newest.toInt();
-    return true;
+    const std::optional<qint32> newest =
+        entry::readNewestWorkTimeSetting(gadocon, gintCompanyID, strWorkTimeCondition);
+    lngWorkTimeSettingID = newest.value_or(0);
+    if (!newest) tell(entry::workTimeMissingMessage(strDepartmentName));
+    return newest.has_value();
 }
 
 void frmEmployeeDailyAttendance::fnPopoulateList(QDate start, QDate end) {

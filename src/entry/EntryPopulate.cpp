@@ -7,8 +7,8 @@
 // hands the rows to the attendance rules, which do the marking and the arithmetic on the
 // grids' models.
 
-#include <QComboBox>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDateEdit>
 #include <QLineEdit>
 #include <QListWidget>
@@ -16,6 +16,7 @@
 #include <QSignalBlocker>
 #include <exception>
 
+#include "entry/EntryReads.h"
 #include "entry/EntryRules.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
@@ -39,14 +40,6 @@ std::optional<QDate> listItemDate(const QListWidgetItem* item) {
     const QVariant kept = item->data(Qt::UserRole);
     if (kept.typeId() == QMetaType::QDate && kept.toDate().isValid()) return kept.toDate();
     if (const auto parsed = parseTimeValue(item->text())) return parsed->date();
-    return std::nullopt;
-}
-
-// A date column read back from the database: a date/time through ODBC, ISO text on SQLite,
-// the clipped bound as the statement wrote it ("yyyy/mm/dd") when the case expression
-// chose it.
-std::optional<QDate> dateFromDb(const QVariant& v) {
-    if (const auto value = timeValueFromDb(v)) return value->date();
     return std::nullopt;
 }
 
@@ -222,8 +215,7 @@ void frmEmployeeDailyAttendance::fnPopulate() {
 
         // Days before the employee joined never get rows; one who joins after the period
         // (or whose date of join is the suite's "missing" value) has no day in it at all.
-        start = rules::effectiveStart(start, dtDateOfJoin.value_or(QDate()));
-        if (start > end) {
+        if (rules::effectiveStart(start, dtDateOfJoin.value_or(QDate())) > end) {
             MsgBox(kMsgEndBeforeStart);
             return;
         }
@@ -235,55 +227,20 @@ void frmEmployeeDailyAttendance::fnPopulate() {
         chkAllowanceDeductions->setText(rules::kCaptionNeutral);
         txtAllowanceDeductions->clear();
 
-        fnBuildDayRows(start, end);
-        fnMarkAbsentDays();
-        // The later mark wins on a day that is both a holiday and a leave day. A failed
-        // read ends Populate: nothing more is asked of a database that failed (a lock
-        // would make every further statement wait its full time) and nothing is kept.
-        if (blnConsiderLeaveHolidays) {
-            fnMarkApprovedLeaves(lngEmployeeID, start, end);
-            if (!m_readError.isEmpty()) return;
-            fnMarkHolidays(start, end);
-        } else {
-            fnMarkHolidays(start, end);
-            if (!m_readError.isEmpty()) return;
-            fnMarkApprovedLeaves(lngEmployeeID, start, end);
-        }
-        if (!m_readError.isEmpty()) return;
-        fnMarkRemainingPresent();
+        // The laying out itself is the attendance rules' (the same that the whole-company
+        // import of punches runs); the form hands over the absent-day picks and the reads.
+        // A failed read throws out of it: nothing more is asked of a database that failed
+        // (a lock would make every further statement wait its full time) and the caller
+        // clears what was half laid out.
+        entry::PeriodReads reads = fnPeriodReads();
+        rules::PopulationInput input =
+            entry::readPopulationInput(reads, lngEmployeeID, start, end, dtDateOfJoin,
+                                       {intGraceTime, blnConsiderLeaveHolidays});
+        fnAbsentDayPicks(input.absentListItems, input.absentPicked);
+        rules::populateNewEntry(*mfgAttendance->flexModel(), *mfgCheckinCheckOut->flexModel(),
+                                *mfgMirrorGrid->flexModel(), input);
         fnCountDayTypes();
-
-        fnLayOutScheduledPairs(start, end);
-        if (!m_readError.isEmpty()) return;
-        // The grace rule reads each day's first check-in; once one of those reads has failed
-        // the others are not asked: each would wait out the lock again, day after day.
-        rules::fnCalculateTotalHours(
-            *mfgAttendance->flexModel(), *mfgMirrorGrid->flexModel(),
-            [this](QDate d) { return m_readError.isEmpty() ? fnCheckGraceTime(d) : TimeValue(); },
-            intGraceTime);
-        for (int row = 1; row < mfgAttendance->Rows() && m_readError.isEmpty(); ++row) {
-            const std::optional<QDate> day =
-                rules::cellDate(mfgAttendance->TextMatrix(row, colDate));
-            if (day) fnCalculateScheduleHours(*day, static_cast<qint16>(row));
-        }
-        fnZeroHolidaySchedule();
-        fnFindtheAdditionalWorkingHours();
     }
-}
-
-void frmEmployeeDailyAttendance::fnBuildDayRows(QDate start, QDate end) {
-    rules::fnBuildDayRows(*mfgAttendance->flexModel(), start, end);
-}
-
-void frmEmployeeDailyAttendance::fnLayOutScheduledPairs(QDate start, QDate end) {
-    rules::fnLayOutScheduledPairs(
-        *mfgMirrorGrid->flexModel(), *mfgAttendance->flexModel(), start, end,
-        dtDateOfJoin.value_or(QDate()), [this](QDate day) -> std::optional<rules::DaySchedule> {
-            if (!m_readError.isEmpty()) return std::nullopt;  // Populate has failed already
-            const std::optional<entry::ScheduleLine> line = fnDaySchedule(day);
-            if (!line) return std::nullopt;
-            return entry::toDaySchedule(*line);
-        });
 }
 
 void frmEmployeeDailyAttendance::fnRemoveMirrorRowsOfDate(QDate date) {
@@ -296,42 +253,15 @@ void frmEmployeeDailyAttendance::fnZeroHolidaySchedule() {
 
 void frmEmployeeDailyAttendance::fnMarkHolidays(QDate start, QDate end) {
     try {
-        db::Recordset rs = entry::openCached(
-            m_cache, gadocon,
-            entry::sql::holidayQuery(dialect(), gintCompanyID, start, end, strCalendarCondition));
-        QList<QDate> holidays;
-        for (; !rs.eof(); rs.moveNext())
-            if (const auto day = dateFromDb(rs.field(0))) holidays << *day;
-        rules::fnMarkHolidays(*mfgAttendance->flexModel(), holidays);
+        rules::fnMarkHolidays(*mfgAttendance->flexModel(), fnPeriodReads().holidays(start, end));
     } catch (const std::exception& e) {
         // Trapped: the days keep the types they had; Populate reports a failed statement.
         fnNoteReadFailure(e);
     }
 }
 
-void frmEmployeeDailyAttendance::fnMarkApprovedLeaves(qint32 employee, QDate start, QDate end) {
-    try {
-        db::Recordset rs = entry::openCached(
-            m_cache, gadocon, entry::sql::approvedLeaveQuery(dialect(), employee, start, end));
-        QList<rules::LeaveRow> leaves;
-        for (; !rs.eof(); rs.moveNext()) {
-            const auto from = dateFromDb(rs.field(QStringLiteral("lrdFromDate")));
-            const auto to = dateFromDb(rs.field(QStringLiteral("lrdToDate")));
-            if (!from || !to) continue;
-            // The status as stored: the rules mark only an exact upper-case "S".
-            leaves << rules::LeaveRow{*from, *to, rs.field(QStringLiteral("Status")).toString(),
-                                      rs.field(QStringLiteral("lrdNoofDays")).toDouble()};
-        }
-        rules::fnMarkApprovedLeaves(*mfgAttendance->flexModel(), leaves);
-    } catch (const std::exception& e) {
-        // Trapped: the days keep the types they had; Populate reports a failed statement.
-        fnNoteReadFailure(e);
-    }
-}
-
-void frmEmployeeDailyAttendance::fnMarkAbsentDays() {
-    QList<QDate> listed;
-    QList<QDate> picked;
+void frmEmployeeDailyAttendance::fnAbsentDayPicks(QList<QDate>& listed,
+                                                  QList<QDate>& picked) const {
     for (int i = 0; i < lstAbsentDays->count(); ++i) {
         const QListWidgetItem* item = lstAbsentDays->item(i);
         const std::optional<QDate> day = listItemDate(item);
@@ -339,14 +269,16 @@ void frmEmployeeDailyAttendance::fnMarkAbsentDays() {
         listed << *day;
         if (isAbsentDayPicked(item)) picked << *day;
     }
+}
+
+void frmEmployeeDailyAttendance::fnMarkAbsentDays() {
+    QList<QDate> listed;
+    QList<QDate> picked;
+    fnAbsentDayPicks(listed, picked);
     // On an entry opened for edit, a day that is no longer picked goes back to present and
     // loses the pairs kept for it.
     rules::fnMarkAbsentDays(*mfgAttendance->flexModel(), picked, listed, !isNewMode(),
                             [this](QDate day) { fnRemoveRowsFromMirrorGridOnEdit(day); });
-}
-
-void frmEmployeeDailyAttendance::fnMarkRemainingPresent() {
-    rules::fnMarkRemainingPresent(*mfgAttendance->flexModel());
 }
 
 }  // namespace qz2

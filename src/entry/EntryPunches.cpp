@@ -86,48 +86,30 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
     // The days the grid holds are the ones the punches are laid onto, whatever the period
     // boxes say since Populate.
     FlexGridModel& days = *mfgAttendance->flexModel();
-    punches::PairingOptions options;
-    options.from = rules::cellDate(days.TextMatrix(1, colDate)).value_or(QDate());
-    options.to = rules::cellDate(days.TextMatrix(days.Rows() - 1, colDate)).value_or(QDate());
-    options.businessDate = gdtProcessDate;
-    const punches::ImportPlan plan =
-        punches::planImport(days, punches::pairPunches(mine, options), gdtProcessDate);
+    const punches::ImportPlan plan = punches::planForEntry(days, mine, gdtProcessDate);
     if (plan.pairs == 0) {
         MsgBox(tr("None of the punches of %1 in the file falls between %2 and %3. Nothing was "
                   "changed.")
-                   .arg(cboEmpname->currentText().trimmed(), dateText(options.from),
-                        dateText(options.to)),
+                   .arg(cboEmpname->currentText().trimmed(),
+                        dateText(rules::cellDate(days.TextMatrix(1, colDate)).value_or(QDate())),
+                        dateText(rules::cellDate(days.TextMatrix(days.Rows() - 1, colDate))
+                                     .value_or(QDate()))),
                MsgButtons::Ok, MsgIcon::Information);
         return false;
     }
 
-    // A day whose times change loses a claim made on its old times: the clerk claims the new
-    // difference again. A day that keeps its times keeps its claim.
-    const QVector<QDate> changed = punches::changedDays(*mfgMirrorGrid->flexModel(), plan);
-    QStringList withdrawn;
-    for (int r = 1; r < days.Rows(); ++r) {
-        const std::optional<QDate> day = rules::cellDate(days.TextMatrix(r, colDate));
-        const QString claim = days.TextMatrix(r, colAllowanceType).trimmed();
-        if (!day || !changed.contains(*day) ||
-            (claim != QLatin1String("A") && claim != QLatin1String("D")))
-            continue;
-        withdrawn
-            << tr("%1: %2 %3 withdrawn, the day's times changed; claim it again if it still holds")
-                   .arg(day->toString(QStringLiteral("dd/MM")),
-                        claim == QLatin1String("A") ? tr("allowance") : tr("deduction"),
-                        days.TextMatrix(r, colHours));
-        rules::fnSetDayAllowanceDeduction(days, days.TextMatrix(r, colHours), QString(), *day,
-                                          false);
-    }
     // Hours and counts as after typed times; the day shown follows its new pairs.
+    const QStringList withdrawn = punches::layPunches(
+        days, *mfgMirrorGrid->flexModel(), plan, [this](QDate d) { return fnCheckGraceTime(d); },
+        intGraceTime);
     const auto recompute = [this] {
         fnCalculateTotalHours();
         fnFindtheAdditionalWorkingHours();
         fnCountDayTypes();
         mfgAttendance_Click();
     };
-    punches::applyImport(*mfgMirrorGrid->flexModel(), plan);
-    recompute();
+    fnCountDayTypes();
+    mfgAttendance_Click();
     m_punchesImported = true;
 
     QStringList summary = punches::importSummary(plan);

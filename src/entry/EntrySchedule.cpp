@@ -6,6 +6,7 @@
 
 #include <exception>
 
+#include "entry/EntryReads.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "rules/Population.h"
@@ -14,14 +15,14 @@
 
 namespace qz2 {
 
+entry::PeriodReads frmEmployeeDailyAttendance::fnPeriodReads() {
+    return entry::PeriodReads(gadocon, gintCompanyID, lngWorkTimeSettingID, strCalendarCondition,
+                              strWorkTimeCondition, m_cache);
+}
+
 std::optional<entry::ScheduleLine> frmEmployeeDailyAttendance::fnDaySchedule(QDate date) {
     try {
-        const db::Recordset rs = entry::openCached(
-            m_cache, gadocon,
-            entry::sql::dayScheduleQuery(fnGetDayID(date), gintCompanyID, lngWorkTimeSettingID,
-                                         strWorkTimeCondition));
-        if (rs.eof()) return std::nullopt;
-        return entry::scheduleLineFrom(rs);
+        return fnPeriodReads().daySchedule(date);
     } catch (const std::exception& e) {
         fnNoteReadFailure(e);
         return std::nullopt;
@@ -30,13 +31,7 @@ std::optional<entry::ScheduleLine> frmEmployeeDailyAttendance::fnDaySchedule(QDa
 
 void frmEmployeeDailyAttendance::fnCalculateScheduleHours(QDate date, qint16 row) {
     try {
-        const db::Recordset rs = entry::openCached(
-            m_cache, gadocon,
-            entry::sql::newestDayScheduleQuery(dialect(), fnGetDayID(date), gintCompanyID,
-                                               strWorkTimeCondition));
-        TimeValue total;
-        if (!rs.eof())
-            total = rules::scheduledHours(entry::toDaySchedule(entry::scheduleLineFrom(rs)));
+        const TimeValue total = fnPeriodReads().scheduleHours(date);
         mfgAttendance->setTextMatrix(row, colSchedule, total.format(u"hh:mm"));
     } catch (const std::exception& e) {
         // Trapped: the row keeps what it showed; the step that asked reports the failure.
@@ -46,14 +41,7 @@ void frmEmployeeDailyAttendance::fnCalculateScheduleHours(QDate date, qint16 row
 
 TimeValue frmEmployeeDailyAttendance::fnCheckGraceTime(QDate date) {
     try {
-        const db::Recordset rs = entry::openCached(
-            m_cache, gadocon,
-            entry::sql::firstCheckInQuery(fnGetDayID(date), gintCompanyID, lngWorkTimeSettingID,
-                                          strWorkTimeCondition));
-        if (rs.eof()) return TimeValue();
-        // A NULL first check-in counts as midnight, as does a weekday without a line.
-        if (const auto start = timeValueFromDb(rs.field(QStringLiteral("cwtsCheckIn1"))))
-            return TimeValue::fromTime(start->timeOfDay());
+        return fnPeriodReads().graceStart(date);
     } catch (const std::exception& e) {
         fnNoteReadFailure(e);
     }

@@ -17,6 +17,7 @@
 #include <optional>
 
 #include "db/Dialect.h"
+#include "entry/EntryReads.h"
 #include "entry/EntryRules.h"
 #include "entry/StatementCache.h"
 #include "shared/BasAttendence.h"
@@ -129,6 +130,9 @@ public:
 
     // ---- Work-time schedule ---------------------------------------------------------
     static qint16 fnGetDayID(QDate date) { return entry::fnGetDayID(date); }
+    // The schedule and calendar reads under the chosen employee's settings, through the
+    // form's statement cache.
+    entry::PeriodReads fnPeriodReads();
     // The date's weekday line under the entry's own work-time setting; nullopt when the
     // weekday has no line (or the statement fails).
     std::optional<entry::ScheduleLine> fnDaySchedule(QDate date);
@@ -154,14 +158,12 @@ public:
     // The clerk changed the period of a new entry by hand: the end text, the total days,
     // the calendar check and the absent-day list follow it (ticked days stay ticked).
     void fnPeriodChanged();
-    void fnBuildDayRows(QDate start, QDate end);
-    void fnLayOutScheduledPairs(QDate start, QDate end);
     void fnRemoveMirrorRowsOfDate(QDate date);
     void fnZeroHolidaySchedule();
     void fnMarkHolidays(QDate start, QDate end);
-    void fnMarkApprovedLeaves(qint32 employee, QDate start, QDate end);
     void fnMarkAbsentDays();
-    void fnMarkRemainingPresent();
+    // The days lstAbsentDays lists, in list order, and those of them the clerk picked.
+    void fnAbsentDayPicks(QList<QDate>& listed, QList<QDate>& picked) const;
 
     // ---- Hours and counts (EntryHours.cpp) -------------------------------------------
     // Worked Hours of every day from the mirror grid.
@@ -234,7 +236,7 @@ public:
     // The edited entry's header as it was read when the form opened it: an edit is saved
     // only over that same stored header.
     QStringList strOpenedHeader;
-    qint16 intGraceTime = 0;          // grace minutes
+    qint16 intGraceTime = 0;  // grace minutes
     bool blnConsiderLeaveHolidays = false;
     std::array<TimeValue, 8> weekdayWorkingHours{};  // by day number 1..7
     // The dialect of the shared connection.

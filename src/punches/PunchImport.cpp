@@ -4,6 +4,8 @@
 #include <algorithm>
 
 #include "rules/DayTypes.h"
+#include "rules/HalfDay.h"
+#include "rules/Hours.h"
 #include "rules/Population.h"
 #include "rules/RuleGrids.h"
 #include "shared/TimeValue.h"
@@ -118,6 +120,44 @@ void applyImport(FlexGridModel& mirror, const ImportPlan& plan) {
     cells.reserve(rows.size());
     for (auto& [date, row] : rows) cells.append(std::move(row));
     mirror.setAllRows(std::move(cells));
+}
+
+ImportPlan planForEntry(const FlexGridModel& dayGrid, const QVector<Punch>& punches,
+                        QDate businessDate, PairingOptions options) {
+    options.from = rules::cellDate(dayGrid.TextMatrix(1, rules::daycol::Date)).value_or(QDate());
+    options.to = rules::cellDate(dayGrid.TextMatrix(dayGrid.Rows() - 1, rules::daycol::Date))
+                     .value_or(QDate());
+    options.businessDate = businessDate;
+    return planImport(dayGrid, pairPunches(punches, options), businessDate);
+}
+
+QStringList layPunches(FlexGridModel& dayGrid, FlexGridModel& mirror, const ImportPlan& plan,
+                       const rules::GraceStartProvider& graceStart, int graceMinutes) {
+    // A day whose times change loses a claim made on its old times: the clerk claims the new
+    // difference again. A day that keeps its times keeps its claim.
+    const QVector<QDate> changed = changedDays(mirror, plan);
+    QStringList withdrawn;
+    for (int r = 1; r < dayGrid.Rows(); ++r) {
+        const std::optional<QDate> day =
+            rules::cellDate(dayGrid.TextMatrix(r, rules::daycol::Date));
+        const QString claim = dayGrid.TextMatrix(r, rules::daycol::AllowanceType).trimmed();
+        if (!day || !changed.contains(*day) ||
+            (claim != QLatin1String("A") && claim != QLatin1String("D")))
+            continue;
+        const QString amount = dayGrid.TextMatrix(r, rules::daycol::Hours);
+        withdrawn << QStringLiteral(
+                         "%1: %2 %3 withdrawn, the day's times changed; claim it again if it "
+                         "still holds")
+                         .arg(dm(*day),
+                              claim == QLatin1String("A") ? QStringLiteral("allowance")
+                                                          : QStringLiteral("deduction"),
+                              amount);
+        rules::fnSetDayAllowanceDeduction(dayGrid, amount, QString(), *day, false);
+    }
+    applyImport(mirror, plan);
+    rules::fnCalculateTotalHours(dayGrid, mirror, graceStart, graceMinutes);
+    rules::fnFindtheAdditionalWorkingHours(dayGrid);
+    return withdrawn;
 }
 
 void markDaysAbsent(FlexGridModel& dayGrid, FlexGridModel& mirror, const QVector<QDate>& days) {

@@ -15,6 +15,7 @@
 #include <QVector>
 
 #include "punches/PunchPairs.h"
+#include "rules/Hours.h"
 #include "shared/FlexGrid.h"
 
 namespace qz2::punches {
@@ -48,6 +49,18 @@ struct ImportPlan {
 // as absent.
 ImportPlan planImport(const FlexGridModel& dayGrid, const QVector<PunchDay>& paired,
                       QDate businessDate = QDate());
+
+// The plan for one employee's punches over the days the day grid holds, from its first
+// date to its last, paired under `options` (whose period and business date are set here).
+ImportPlan planForEntry(const FlexGridModel& dayGrid, const QVector<Punch>& punches,
+                        QDate businessDate, PairingOptions options = {});
+
+// Lays the plan onto a populated entry as typed times would be: a claim on a day whose
+// times change is withdrawn (one line each for the clerk, returned), the mirror rows of
+// the planned days are replaced, then every day's Worked Hours and Hours are worked out
+// again under the grace rule. The day counts are the caller's to show.
+QStringList layPunches(FlexGridModel& dayGrid, FlexGridModel& mirror, const ImportPlan& plan,
+                       const rules::GraceStartProvider& graceStart, int graceMinutes);
 
 // The planned days whose pairs differ from their mirror rows now: the days whose times the
 // import changes (a claim made on the old times no longer holds there).
