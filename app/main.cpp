@@ -17,6 +17,7 @@
 
 #include "HistoryCommand.h"
 #include "HostDatabase.h"
+#include "PunchCommand.h"
 #include "ReportCommand.h"
 #include "register/FrmMaster.h"
 
@@ -121,7 +122,8 @@ std::optional<int> parseRegisterOptions(const QStringList& arguments, RegisterOp
         return kExitUsage;
     }
     if (parser.isSet(help)) {
-        QString text = parser.helpText() + QString::fromLatin1(qz2::app::historyHelpText());
+        QString text = parser.helpText() + QString::fromLatin1(qz2::app::historyHelpText()) +
+                       QString::fromLatin1(qz2::app::importPunchesHelpText());
         text.replace(QLatin1String("<executable_name>"), QLatin1String(kProgram));
         std::fputs(qPrintable(text), stdout);
         return 0;
@@ -285,6 +287,8 @@ int main(int argc, char** argv) {
     // before the register's options are parsed; without a name the register opens.
     provideRuntimeFolder();
     if (argc > 1 && qstrcmp(argv[1], "report") == 0) return qz2::app::runReportCommand(argc, argv);
+    if (argc > 1 && qstrcmp(argv[1], "import-punches") == 0)
+        return qz2::app::runImportPunchesCommand(argc, argv);
     if (argc > 1 && qstrcmp(argv[1], "add-history-table") == 0)
         return qz2::app::runAddHistoryTableCommand(argc, argv);
     return runRegister(argc, argv);

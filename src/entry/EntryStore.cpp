@@ -41,6 +41,13 @@ QVector<QVariant> detailValues(const db::Dialect& d, qint16 company, qint32 atte
             line.checkOut ? savesql::timeValue(d, *line.checkOut) : savesql::noTime(d)};
 }
 
+// A save that a check refused: nothing was written.
+SaveResult refusal(const QString& message) {
+    SaveResult r;
+    r.message = message;
+    return r;
+}
+
 }  // namespace
 
 SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint32 interfaceId,
@@ -54,7 +61,7 @@ SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint
         ensureLockWait(db, d);
         if (editMode &&
             isMonthlyEntryOverlapping(db, e.employee, rules::requiredDate(e.startText), e.end))
-            return {std::nullopt, QStringLiteral("Monthly entry done. Canot Modify.")};
+            return refusal(QStringLiteral("Monthly entry done. Canot Modify."));
 
         auto helper = commonmodule::createCommonDB(db);
         helper->strTableName = LinkedTableNames.pSettings;
@@ -66,14 +73,15 @@ SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint
             QStringLiteral("PerHourRate"), savesql::employeeRateCondition(company, e.employee));
         const double rate = rateField.isNull() ? 0.0 : rateField.toDouble();
         if (rate == 0.0 && rateFromMaster)
-            return {std::nullopt,
-                    QStringLiteral("The Overtime/Latecoming Rate/Hour is Zero in the Employee "
-                                   "master. Can't Save.")};
+            return refusal(
+                QStringLiteral("The Overtime/Latecoming Rate/Hour is Zero in the Employee "
+                               "master. Can't Save."));
 
         // The write lock is taken at once, so that two clerks saving at the same moment are
         // served one after the other before either reads the next number.
         db::Transaction transaction(db, /*immediate=*/true);
         qint32 newId = 0;
+        QString attendanceNo;
         {
             // No two live entries of one employee may share a day. Checked under the save's
             // own lock, so that no overlapping entry can be written between the check and
@@ -94,7 +102,7 @@ SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint
             }
             if (stale) {
                 transaction.rollback();
-                return {std::nullopt, *stale};
+                return refusal(*stale);
             }
             if (!other.eof()) {
                 const QString message = rules::overlapMessage(
@@ -102,7 +110,7 @@ SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint
                     timeValueFromDb(other.field(1)).value_or(TimeValue()).date(),
                     timeValueFromDb(other.field(2)).value_or(TimeValue()).date());
                 transaction.rollback();
-                return {std::nullopt, message};
+                return refusal(message);
             }
 
             // The entry as stored before the edit, for its history, read before it is deleted.
@@ -113,8 +121,8 @@ SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint
                 db::execute(db, savesql::deleteDetailLines(company, *e.editedId));
                 db::execute(db, savesql::deleteHeader(company, *e.editedId));
             }
-            const QString attendanceNo = editMode ? e.attendanceNo.trimmed()
-                                                  : generateAttendanceNo(db, company, interfaceId);
+            attendanceNo = editMode ? e.attendanceNo.trimmed()
+                                    : generateAttendanceNo(db, company, interfaceId);
             // A number is never given twice: one already stored (hand-keyed, or left by a
             // broken sequence) stops the save rather than making a second entry with it.
             if (!editMode && db::scalar(db, savesql::attendanceNoTakenQuery(company, attendanceNo))
@@ -169,11 +177,16 @@ SaveResult fnSaveEntry(const QSqlDatabase& db, qint16 company, qint16 user, qint
                 detail.execute(detailValues(d, company, newId, line));
             version.record(e.action, newId, user);
         }
-        transaction.commit();
-        return {newId, QString()};
+        if (e.dryRun)
+            transaction.rollback();
+        else
+            transaction.commit();
+        return {newId, QString(), attendanceNo, false};
     } catch (const std::exception& ex) {
         // The transaction scope has rolled back whatever was written.
-        return {std::nullopt, db::errorMessage(ex)};
+        // A date or number the save cannot store is the entry's fault, not the database's.
+        const bool dataError = dynamic_cast<const rules::SaveDataError*>(&ex) != nullptr;
+        return {std::nullopt, db::errorMessage(ex), QString(), !dataError};
     }
 }
 

@@ -35,14 +35,19 @@ struct EntryToSave {
     const FlexGridModel* days = nullptr;
     const FlexGridModel* mirror = nullptr;
     history::Action action = history::Action::Created;
+    // A rehearsal: every check and statement of the save runs in its transaction, which is
+    // then rolled back. What it says is what the save would say; nothing is written.
+    bool dryRun = false;
 };
 
 struct SaveResult {
-    std::optional<qint32> savedId;  // the entry's eaID once committed
+    std::optional<qint32> savedId;  // the entry's eaID once committed (a dry run's would-be one)
     // Why nothing was saved, for the clerk (an information box): a check that refused
     // (monthly entry, zero rate, overlap, an edit over a changed entry) or the database's
     // message. Empty when saved.
     QString message;
+    QString attendanceNo;  // the number it was saved under
+    bool failed = false;   // the database failed (not a check that refused)
 };
 
 // Saves `e` for the company as the user: the checks, then header, detail lines, claims and

@@ -10,7 +10,7 @@
 
 namespace qz2::punches {
 
-// Every employee of the company with number and active flag (one statement).
+// Every employee of the company with number, active flag and name (one statement).
 QString companyEmployeesQuery(qint16 company);
 QVector<Employee> readCompanyEmployees(const QSqlDatabase& db, qint16 company);
 

@@ -20,6 +20,7 @@
 #include "register/RegisterSql.h"
 #include "register/frmCancel.h"
 #include "register/frmHistory.h"
+#include "register/frmImportPunches.h"
 #include "register/frmReports.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
@@ -160,12 +161,32 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
         if (row > 0) fnShowHistory(this, flexMaster->TextMatrix(row, 0).trimmed().toInt());
     });
 
+    // A time clock's file for the whole company: an entry for each employee with punches.
+    // Adding entries is what it does, so it follows the right to add them.
+    cmdImportPunches = new QPushButton(tr("Import p&unches..."), this);
+    cmdImportPunches->setObjectName(QStringLiteral("cmdImportPunches"));
+    cmdImportPunches->setAutoDefault(true);
+    cmdImportPunches->setEnabled(false);
+    buttons->insertWidget(buttons->indexOf(cmdReports), cmdImportPunches);
+    connect(cmdImportPunches, &QPushButton::clicked, this, [this] {
+        if (!fnShowImportPunches(this)) return;
+        // The saved entries join the list.
+        try {
+            GridPopulate(gstrMasterQuery);
+            showEntryCount();
+        } catch (const std::exception& e) {
+            lblStatus->setText(
+                tr("The list could not be read: %1").arg(QString::fromStdString(e.what())));
+        }
+    });
+
     setTabOrder(flexMaster, cmdnew);
     setTabOrder(cmdnew, CmdEdit);
     setTabOrder(CmdEdit, CmdDelete);
     setTabOrder(CmdDelete, CmdClose);
     setTabOrder(CmdClose, cboColNames);
-    setTabOrder(CmdDelete, cmdReports);
+    setTabOrder(CmdDelete, cmdImportPunches);
+    setTabOrder(cmdImportPunches, cmdReports);
     setTabOrder(cmdReports, cmdHistory);
     setTabOrder(cboColNames, optAscend);
     setTabOrder(optAscend, optDescend);
@@ -459,6 +480,7 @@ void FrmMaster::UserRights() {
             strFunctionRights = rs.field(QStringLiteral("FunctionRights")).toString();
         }
         cmdnew->setEnabled(fnUserRights(QStringLiteral("N"), strFunctionRights));
+        cmdImportPunches->setEnabled(cmdnew->isEnabled());
         CmdEdit->setEnabled(fnUserRights(QStringLiteral("E"), strFunctionRights));
         CmdDelete->setEnabled(fnUserRights(QStringLiteral("D"), strFunctionRights));
     } catch (const std::exception&) {

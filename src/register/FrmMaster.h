@@ -62,6 +62,7 @@ public:
     QPushButton* CmdDelete;
     QPushButton* CmdClose;
     QPushButton* cmdHistory;
+    QPushButton* cmdImportPunches;
     QLabel* lblStatus;
 
 protected:
