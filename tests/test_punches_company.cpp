@@ -341,6 +341,49 @@ TEST_F(CompanyImport, AStatementFailingAnywhereInOneEmployeesImportLeavesThemUnt
     }
 }
 
+// What one employee's import asks of the database depends on that employee alone: with
+// four times the staff punching, each of the demo's employees runs the same statements.
+TEST_F(CompanyImport, TheStatementsOfAnEmployeeDoNotGrowWithTheCompany) {
+    const auto perEmployee = [this](const TestDb& on, const QVector<Punch>& given) {
+        QMap<QString, qint64> counts;
+        QString current;
+        qint64 from = 0;
+        const CompanyImportResult r =
+            importCompanyPunches(on.db, given, request, [&](int, int, const QString& who) {
+                const qint64 now = db::statementCount();
+                if (!current.isEmpty()) counts[current] = now - from;
+                current = who.section(QLatin1Char(' '), 0, 0);
+                from = now;
+                return true;
+            });
+        EXPECT_GT(r.count(Outcome::Saved), 20);
+        return counts;
+    };
+    const QVector<Punch> demoPunches = punches();
+    const QMap<QString, qint64> small = perEmployee(t, demoPunches);
+
+    TestDb larger(true);
+    QVector<Punch> more = demoPunches;
+    for (int copy = 1; copy <= 3; ++copy) {
+        larger.exec(QStringLiteral("insert into pEmployee (eEmpID,eCompanyID,eEmpNo,eName,eActive,"
+                                   "eDeptID,eDateofjoin,ecurrencyid,PerHourRate) select "
+                                   "eEmpID+%1,eCompanyID,'C%2'||eEmpNo,eName,eActive,eDeptID,"
+                                   "eDateofjoin,ecurrencyid,PerHourRate from pEmployee where "
+                                   "eEmpID<1000")
+                        .arg(copy * 1000)
+                        .arg(copy));
+        for (const Punch& p : demoPunches) {
+            Punch twin = p;
+            twin.code = QStringLiteral("C%1").arg(copy) + p.code.trimmed();
+            more.append(twin);
+        }
+    }
+    const QMap<QString, qint64> big = perEmployee(larger, more);
+    ASSERT_GT(big.size(), 3 * small.size());
+    for (auto it = small.cbegin(); it != small.cend(); ++it)
+        EXPECT_EQ(big.value(it.key()), it.value()) << it.key().toStdString();
+}
+
 // The register's dialog: the demo's file and month, then the summary on the dialog.
 TEST_F(CompanyImport, TheRegistersDialogImportsAndShowsTheSummary) {
     frmImportPunches dialog;
