@@ -5,13 +5,16 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractButton>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFile>
+#include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QProcess>
+#include <QSet>
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTemporaryDir>
@@ -181,6 +184,9 @@ TEST_F(CompanyImport, TheDemoMonthIsSavedForEveryoneButTheForgottenCheckOut) {
     EXPECT_TRUE(summary.contains(QStringLiteral("    02/11/2026: check-out missing")));
     EXPECT_TRUE(summary.contains(QStringLiteral("1 repeated punch dropped")));
     EXPECT_TRUE(summary.contains(QStringLiteral("Punches given to no one:")));
+    // Who needs the clerk comes before the list of the saved.
+    EXPECT_LT(summary.indexOf(QStringLiteral("Skipped, nothing of theirs written:")),
+              summary.indexOf(QStringLiteral("Saved:")));
 }
 
 TEST_F(CompanyImport, EachEntryIsTheOneTheEntryFormBuildsAndSaves) {
@@ -387,6 +393,19 @@ TEST_F(CompanyImport, TheStatementsOfAnEmployeeDoNotGrowWithTheCompany) {
 // The register's dialog: the demo's file and month, then the summary on the dialog.
 TEST_F(CompanyImport, TheRegistersDialogImportsAndShowsTheSummary) {
     frmImportPunches dialog;
+    // Every Alt key of the dialog reaches one control.
+    QStringList keys;
+    for (const QWidget* w : dialog.findChildren<QWidget*>()) {
+        QString text;
+        if (const auto* b = qobject_cast<const QAbstractButton*>(w)) text = b->text();
+        if (const auto* l = qobject_cast<const QLabel*>(w)) text = l->text();
+        const qsizetype amp = text.indexOf(QLatin1Char('&'));
+        if (amp >= 0 && amp + 1 < text.size() && text[amp + 1] != QLatin1Char('&'))
+            keys << text.mid(amp + 1, 1).toLower();
+    }
+    EXPECT_EQ(QSet<QString>(keys.cbegin(), keys.cend()).size(), keys.size())
+        << keys.join(' ').toStdString();
+    EXPECT_GE(keys.size(), 8);
     EXPECT_EQ(dialog.dtpFrom->date(), kFrom);  // the business date's month
     EXPECT_EQ(dialog.dtpTo->date(), kTo);
     EXPECT_FALSE(dialog.cmdImport_Click());  // no file yet

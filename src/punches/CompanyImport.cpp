@@ -237,6 +237,18 @@ QStringList companyImportSummary(const CompanyImportResult& result, bool dryRun)
     if (result.stopped)
         lines << QStringLiteral("Stopped before the last %1: nothing of theirs was written.")
                      .arg(counted(result.notReached, "employee", "employees"));
+    // What needs the clerk comes first: who was left out and why, and whose punches
+    // nobody got; then who was saved.
+    if (skipped > 0) lines << QStringLiteral("Skipped, nothing of theirs written:");
+    for (const EmployeeImport& e : result.employees) {
+        if (e.outcome != Outcome::Skipped) continue;
+        lines << QStringLiteral("  %1: %2").arg(employeeLabel(e), e.reason);
+        for (const QString& day : e.flaggedDays) lines << QStringLiteral("    ") + day;
+    }
+    if (!result.unmatchedCodes.isEmpty()) {
+        lines << QStringLiteral("Punches given to no one:");
+        for (const QString& code : result.unmatchedCodes) lines << QStringLiteral("  ") + code;
+    }
     if (saved > 0) lines << (dryRun ? QStringLiteral("Would be saved:") : QStringLiteral("Saved:"));
     for (const EmployeeImport& e : result.employees) {
         if (e.outcome == Outcome::Skipped) continue;
@@ -250,16 +262,6 @@ QStringList companyImportSummary(const CompanyImportResult& result, bool dryRun)
             line += QStringLiteral(", %1 without punches kept as laid out")
                         .arg(counted(e.workingDaysWithoutPunches, "working day", "working days"));
         lines << line;
-    }
-    if (skipped > 0) lines << QStringLiteral("Skipped, nothing of theirs written:");
-    for (const EmployeeImport& e : result.employees) {
-        if (e.outcome != Outcome::Skipped) continue;
-        lines << QStringLiteral("  %1: %2").arg(employeeLabel(e), e.reason);
-        for (const QString& day : e.flaggedDays) lines << QStringLiteral("    ") + day;
-    }
-    if (!result.unmatchedCodes.isEmpty()) {
-        lines << QStringLiteral("Punches given to no one:");
-        for (const QString& code : result.unmatchedCodes) lines << QStringLiteral("  ") + code;
     }
     return lines;
 }

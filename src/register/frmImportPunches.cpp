@@ -71,7 +71,7 @@ frmImportPunches::frmImportPunches(QWidget* parent) : QDialog(parent) {
     fileRow->addWidget(cmdBrowse);
     auto* periodRow = new QHBoxLayout;
     periodRow->addWidget(dtpFrom);
-    auto* toLabel = new QLabel(tr("&to"), this);
+    auto* toLabel = new QLabel(tr("t&o"), this);
     toLabel->setBuddy(dtpTo);
     periodRow->addWidget(toLabel);
     periodRow->addWidget(dtpTo);
