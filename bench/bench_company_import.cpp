@@ -20,8 +20,8 @@
 #include <QHash>
 #include <QRegularExpression>
 #include <QSqlError>
-#include <QSqlRecord>
 #include <QSqlQuery>
+#include <QSqlRecord>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
@@ -72,8 +72,7 @@ std::optional<NewStaff> addEmployees(QSqlDatabase& db, qint32 model, int count) 
         return std::nullopt;
     }
     if (!q.exec(QStringLiteral("select ifnull(max(eEmpID),0) from pEmployee")) || !q.next()) {
-        std::fprintf(stderr, "cannot read the employees: %s\n",
-                     qPrintable(q.lastError().text()));
+        std::fprintf(stderr, "cannot read the employees: %s\n", qPrintable(q.lastError().text()));
         return std::nullopt;
     }
     NewStaff staff;
@@ -86,7 +85,8 @@ std::optional<NewStaff> addEmployees(QSqlDatabase& db, qint32 model, int count) 
         "ecurrencyid,PerHourRate) select ?,eCompanyID,?,?,1,eDeptID,eDateofjoin,ecurrencyid,"
         "PerHourRate from pEmployee where eEmpID=?"));
     for (int k = 0; k < count; ++k) {
-        const QString number = QStringLiteral("B") + QString::number(k + 1).rightJustified(width, '0');
+        const QString number =
+            QStringLiteral("B") + QString::number(k + 1).rightJustified(width, '0');
         ins.bindValue(0, staff.firstId + k);
         ins.bindValue(1, number);
         ins.bindValue(2, QStringLiteral("Clock Staff ") + QString::number(k + 1));
@@ -180,8 +180,11 @@ qint64 writeLog(const QString& path, const QVector<QByteArray>& codes,
             int* t = &at[static_cast<std::size_t>(e) * 6];
             const int out = day.out + draw(15);
             const int overtimeIn = out + 15 + draw(15);
-            const int minutes[6] = {day.in - 10 + draw(15), day.breakOut + draw(10),
-                                    day.breakIn - 10 + draw(10), out, overtimeIn,
+            const int minutes[6] = {day.in - 10 + draw(15),
+                                    day.breakOut + draw(10),
+                                    day.breakIn - 10 + draw(10),
+                                    out,
+                                    overtimeIn,
                                     overtimeIn + 60 + draw(91)};
             for (int k = 0; k < 6; ++k) t[k] = minutes[k] * 60 + draw(60);
         }
@@ -297,17 +300,19 @@ int main(int argc, char** argv) {
     }
     const QDate lastPunched = std::min(period.end, businessDate);
     int offDays = 0;
-    const QVector<ClockDay> days = clockDays(db, settings, *setting, period.start, lastPunched, offDays);
-    std::printf("staff: %d employees added to company 1 in %.0f ms (copies of employee %d, "
-                "department %s, joined %s)\n",
-                employees, addMs, *model, qPrintable(settings.departmentName.trimmed()),
-                settings.dateOfJoin ? qPrintable(dmy(*settings.dateOfJoin)) : "never");
-    std::printf("period: %s to %s, business date %s (the session's %s proposes the same "
-                "period); %lld working days punched, %d without schedule or holidays%s\n",
-                qPrintable(dmy(period.start)), qPrintable(dmy(period.end)),
-                qPrintable(dmy(businessDate)), qPrintable(dmy(session)),
-                static_cast<long long>(days.size()), offDays,
-                lastPunched < period.end ? ", the days after the business date not punched" : "");
+    const QVector<ClockDay> days =
+        clockDays(db, settings, *setting, period.start, lastPunched, offDays);
+    std::printf(
+        "staff: %d employees added to company 1 in %.0f ms (copies of employee %d, "
+        "department %s, joined %s)\n",
+        employees, addMs, *model, qPrintable(settings.departmentName.trimmed()),
+        settings.dateOfJoin ? qPrintable(dmy(*settings.dateOfJoin)) : "never");
+    std::printf(
+        "period: %s to %s, business date %s (the session's %s proposes the same "
+        "period); %lld working days punched, %d without schedule or holidays%s\n",
+        qPrintable(dmy(period.start)), qPrintable(dmy(period.end)), qPrintable(dmy(businessDate)),
+        qPrintable(dmy(session)), static_cast<long long>(days.size()), offDays,
+        lastPunched < period.end ? ", the days after the business date not punched" : "");
 
     // The log.
     const QString path = dir.filePath(QStringLiteral("punches.txt"));
@@ -394,23 +399,26 @@ int main(int argc, char** argv) {
         withoutPunches += e.workingDaysWithoutPunches;
     }
     const QStringList summary = punches::companyImportSummary(result, dryRun);
-    std::printf("import%s: %.2f s for %lld employees, %.2f ms per employee (of which %.0f ms "
-                "before the first employee: reading the staff, matching)\n",
-                dryRun ? " (dry run)" : "", importMs / 1000.0, static_cast<long long>(total),
-                total ? importMs / static_cast<double>(total) : 0.0,
-                nanos.empty() ? 0.0 : nanos.front() / 1e6);
-    std::printf("  ms per employee: min %.2f, median %.2f, max %.2f; first %zu median %.2f "
-                "(mean %.2f), last %zu median %.2f (mean %.2f)\n",
-                perMs.min, perMs.median, perMs.max, block, firstMs.median, firstMs.mean, block,
-                lastMs.median, lastMs.mean);
-    std::printf("  statements per employee: min %.0f, median %.0f, max %.0f; first %zu median "
-                "%.0f (max %.0f), last %zu median %.0f (max %.0f); %lld in all\n",
-                perStatements.min, perStatements.median, perStatements.max, block,
-                firstStatements.median, firstStatements.max, block, lastStatements.median,
-                lastStatements.max, statementsAll);
-    std::printf("  %d pairs laid on, %d working days without punches; peak resident memory "
-                "%.0f MB (%.0f MB before reading)\n",
-                pairs, withoutPunches, peakKb / 1024.0, baseKb / 1024.0);
+    std::printf(
+        "import%s: %.2f s for %lld employees, %.2f ms per employee (of which %.0f ms "
+        "before the first employee: reading the staff, matching)\n",
+        dryRun ? " (dry run)" : "", importMs / 1000.0, static_cast<long long>(total),
+        total ? importMs / static_cast<double>(total) : 0.0,
+        nanos.empty() ? 0.0 : nanos.front() / 1e6);
+    std::printf(
+        "  ms per employee: min %.2f, median %.2f, max %.2f; first %zu median %.2f "
+        "(mean %.2f), last %zu median %.2f (mean %.2f)\n",
+        perMs.min, perMs.median, perMs.max, block, firstMs.median, firstMs.mean, block,
+        lastMs.median, lastMs.mean);
+    std::printf(
+        "  statements per employee: min %.0f, median %.0f, max %.0f; first %zu median "
+        "%.0f (max %.0f), last %zu median %.0f (max %.0f); %lld in all\n",
+        perStatements.min, perStatements.median, perStatements.max, block, firstStatements.median,
+        firstStatements.max, block, lastStatements.median, lastStatements.max, statementsAll);
+    std::printf(
+        "  %d pairs laid on, %d working days without punches; peak resident memory "
+        "%.0f MB (%.0f MB before reading)\n",
+        pairs, withoutPunches, peakKb / 1024.0, baseKb / 1024.0);
     std::printf("result: %s\n", qPrintable(summary.value(0)));
 
     // What was written for the new employees.
@@ -431,18 +439,21 @@ int main(int argc, char** argv) {
 
     if (profile) {
         QVector<std::pair<QString, Shape>> sorted;
-        for (auto it = shapes.cbegin(); it != shapes.cend(); ++it) sorted.append({it.key(), it.value()});
+        for (auto it = shapes.cbegin(); it != shapes.cend(); ++it)
+            sorted.append({it.key(), it.value()});
         std::sort(sorted.begin(), sorted.end(),
                   [](const auto& a, const auto& b) { return a.second.nanos > b.second.nanos; });
         const double per = static_cast<double>(std::max<std::size_t>(total, 1));
-        std::printf("profile: ms per employee from each statement's start to the next one's; of "
-                    "that, the statement alone run again on the finished database (reads with "
-                    "their values written in only); statements per employee; shape\n");
+        std::printf(
+            "profile: ms per employee from each statement's start to the next one's; of "
+            "that, the statement alone run again on the finished database (reads with "
+            "their values written in only); statements per employee; shape\n");
         for (qsizetype i = 0; i < std::min<qsizetype>(sorted.size(), 20); ++i) {
             const QString sql = samples.value(sorted[i].first);
             QString alone = QStringLiteral("      -");
             if (sql.trimmed().startsWith(QLatin1String("select"), Qt::CaseInsensitive) &&
-                !QString(sql).remove(QRegularExpression(QStringLiteral("'[^']*'")))
+                !QString(sql)
+                     .remove(QRegularExpression(QStringLiteral("'[^']*'")))
                      .contains(QLatin1Char('?'))) {
                 QSqlQuery q(db);
                 q.setForwardOnly(true);
@@ -461,17 +472,27 @@ int main(int argc, char** argv) {
                         qPrintable(alone), static_cast<double>(sorted[i].second.count) / per,
                         qPrintable(sorted[i].first));
         }
-        // What a commit costs on this disk: one changed page, written and synced.
+        // What a commit costs on this disk: one page changed (and changed back by the next),
+        // journalled and synced as the connection is set.
         QSqlQuery q(db);
         constexpr int kCommits = 20;
         QElapsedTimer run;
         run.start();
         for (int k = 0; k < kCommits; ++k) {
             q.exec(QStringLiteral("BEGIN IMMEDIATE"));
-            q.exec(QStringLiteral("update pSettings set gracetime=gracetime where companyid=1"));
+            q.exec(QStringLiteral("update pSettings set gracetime=gracetime%1 where companyid=1")
+                       .arg(k % 2 ? QStringLiteral("-1") : QStringLiteral("+1")));
             q.exec(QStringLiteral("COMMIT"));
         }
-        std::printf("  a write transaction of one changed page: %.3f ms\n", ms(run) / kCommits);
+        const double commitMs = ms(run) / kCommits;
+        q.exec(QStringLiteral("pragma journal_mode"));
+        const QString journal = q.next() ? q.value(0).toString() : QString();
+        q.exec(QStringLiteral("pragma synchronous"));
+        const QString synchronous = q.next() ? q.value(0).toString() : QString();
+        std::printf(
+            "  a write transaction of one changed page: %.3f ms (journal_mode %s, "
+            "synchronous %s)\n",
+            commitMs, qPrintable(journal), qPrintable(synchronous));
     }
 
     const int skipped = result.count(punches::Outcome::Skipped);

@@ -18,6 +18,7 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTemporaryDir>
+#include <QTextCursor>
 #include <algorithm>
 
 #include "SaveScenario.h"
@@ -698,3 +699,22 @@ TEST_F(CompanyImportProcess, BadOptionsAFileThatIsNoPunchFileAndADatabaseThatIsN
 }
 
 }  // namespace
+
+// The picture of the register's import dialog after importing the demo's month, in docs/
+// (run only when asked, see README).
+TEST(PunchesScreenshot, TheRegistersImportOfTheDemosMonth) {
+    const QByteArray out = qgetenv("QZ2_SCREENSHOT_DIR");
+    if (out.isEmpty()) GTEST_SKIP() << "set QZ2_SCREENSHOT_DIR to write the pictures";
+    TestDb demoDb(true);
+    QTemporaryDir dir;
+    const QString file = dir.filePath(QStringLiteral("demo-punches.txt"));
+    demo::writeDemoPunches(demoDb.db, kBusiness, file);
+    frmImportPunches dialog;
+    dialog.txtFile->setText(file);
+    dialog.resize(860, 520);
+    dialog.show();
+    ASSERT_TRUE(dialog.cmdImport_Click());
+    dialog.txtSummary->moveCursor(QTextCursor::Start);
+    EXPECT_TRUE(dialog.grab().save(QString::fromLocal8Bit(out) +
+                                   QStringLiteral("/punches-company.png")));
+}
