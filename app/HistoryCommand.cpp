@@ -20,8 +20,7 @@ constexpr int kExitUsage = 2;
 constexpr int kExitDatabase = 3;
 
 int fail(int code, const QString& message) {
-    std::fprintf(stderr, "qz2-attendance add-history-table: %s\n", qPrintable(message));
-    return code;
+    return host::commandFailed("add-history-table", code, message);
 }
 
 }  // namespace

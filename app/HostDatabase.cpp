@@ -62,6 +62,17 @@ QString linkTableProblem(const QSqlDatabase& db, const QString& file) {
 
 }  // namespace
 
+std::optional<QDate> isoDate(const QString& text) {
+    const QDate d = QDate::fromString(text, Qt::ISODate);
+    if (!d.isValid() || text.size() != 10) return std::nullopt;
+    return d;
+}
+
+int commandFailed(const char* command, int code, const QString& message) {
+    std::fprintf(stderr, "qz2-attendance %s: %s\n", command, qPrintable(message));
+    return code;
+}
+
 QString sqliteFileProblem(const QString& file) {
     const QFileInfo info(file);
     if (!info.exists())

@@ -31,6 +31,13 @@ DatabaseOptions databaseOptions();
 // so a value that does not fit is refused (nullopt), never wrapped.
 std::optional<qint16> sixteenBitId(const QString& text);
 
+// A date given on the command line: exactly "yyyy-mm-dd"; nullopt for anything else.
+std::optional<QDate> isoDate(const QString& text);
+
+// Tells a subcommand's failure in one line on standard error ("qz2-attendance COMMAND:
+// MESSAGE") and returns its exit code.
+int commandFailed(const char* command, int code, const QString& message);
+
 // Why the file cannot be opened as an attendance database (it is missing, a folder,
 // unreadable, empty or not SQLite); empty when it looks like one. Looks at the file only.
 QString sqliteFileProblem(const QString& file);

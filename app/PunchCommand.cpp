@@ -27,14 +27,7 @@ constexpr int kExitDatabase = 3;
 constexpr int kExitFile = 4;
 
 int fail(int code, const QString& message) {
-    std::fprintf(stderr, "qz2-attendance import-punches: %s\n", qPrintable(message));
-    return code;
-}
-
-std::optional<QDate> isoDate(const QString& text) {
-    const QDate d = QDate::fromString(text.trimmed(), Qt::ISODate);
-    if (!d.isValid()) return std::nullopt;
-    return d;
+    return host::commandFailed("import-punches", code, message);
 }
 
 }  // namespace
@@ -111,15 +104,15 @@ int runImportPunchesCommand(int argc, char** argv) {
                     QStringLiteral("give the period: --from yyyy-mm-dd --to yyyy-mm-dd."));
 
     punches::CompanyImportRequest request;
-    const std::optional<QDate> first = isoDate(parser.value(from));
-    const std::optional<QDate> last = isoDate(parser.value(to));
+    const std::optional<QDate> first = host::isoDate(parser.value(from));
+    const std::optional<QDate> last = host::isoDate(parser.value(to));
     if (!first || !last)
         return fail(kExitUsage, QStringLiteral("--from and --to take dates as yyyy-mm-dd."));
     request.from = *first;
     request.to = *last;
     request.businessDate = QDate::currentDate();
     if (parser.isSet(date)) {
-        const std::optional<QDate> business = isoDate(parser.value(date));
+        const std::optional<QDate> business = host::isoDate(parser.value(date));
         if (!business)
             return fail(kExitUsage, QStringLiteral("--date takes a date as yyyy-mm-dd, not '%1'.")
                                         .arg(parser.value(date)));

@@ -28,14 +28,7 @@ constexpr int kExitRequest = 5;
 constexpr int kExitOutput = 6;
 
 int fail(int code, const QString& message) {
-    std::fprintf(stderr, "qz2-attendance report: %s\n", qPrintable(message));
-    return code;
-}
-
-std::optional<QDate> isoDate(const QString& text) {
-    const QDate d = QDate::fromString(text, Qt::ISODate);
-    if (!d.isValid() || text.size() != 10) return std::nullopt;
-    return d;
+    return host::commandFailed("report", code, message);
 }
 
 }  // namespace
@@ -108,8 +101,8 @@ int runReportCommand(int argc, char** argv) {
             return fail(kExitUsage, QStringLiteral("--entry NO is needed."));
         request.entryNo = parser.value(entry);
     } else {
-        const std::optional<QDate> f = isoDate(parser.value(from));
-        const std::optional<QDate> t = isoDate(parser.value(to));
+        const std::optional<QDate> f = host::isoDate(parser.value(from));
+        const std::optional<QDate> t = host::isoDate(parser.value(to));
         if (!f || !t)
             return fail(kExitUsage, QStringLiteral("--from and --to take dates as yyyy-mm-dd."));
         request.from = *f;
