@@ -654,6 +654,11 @@ TEST_F(CompanyImportProcess, BadOptionsAFileThatIsNoPunchFileAndADatabaseThatIsN
     ASSERT_TRUE(binary.open(QIODevice::WriteOnly));
     binary.write(QByteArray(4096, '\0') + QByteArray("\x01\x02\xff\xfe", 4));
     binary.close();
+    // A 2 GB file (sparse: it takes no room) is refused unread.
+    QFile huge(dir.filePath(QStringLiteral("huge.txt")));
+    ASSERT_TRUE(huge.open(QIODevice::WriteOnly));
+    ASSERT_TRUE(huge.resize(qint64(2) << 30));
+    huge.close();
     QFile notADatabase(dir.filePath(QStringLiteral("notes.sqlite")));
     ASSERT_TRUE(notADatabase.open(QIODevice::WriteOnly));
     notADatabase.write("these are notes, not a database\n");
@@ -678,6 +683,7 @@ TEST_F(CompanyImportProcess, BadOptionsAFileThatIsNoPunchFileAndADatabaseThatIsN
         {QStringList{dir.filePath(QStringLiteral("missing.txt"))} + period + db, 4, ""},
         {QStringList{empty.fileName()} + period + db, 4, ""},
         {QStringList{binary.fileName()} + period + db, 4, ""},
+        {QStringList{huge.fileName()} + period + db, 4, "512"},
         {QStringList{punchFile} + period +
              QStringList{QStringLiteral("--database"), notADatabase.fileName()},
          3, ""},
