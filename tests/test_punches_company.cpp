@@ -348,6 +348,30 @@ TEST_F(CompanyImport, AStatementFailingAnywhereInOneEmployeesImportLeavesThemUnt
     }
 }
 
+TEST_F(CompanyImport, StoppedBetweenTwoEmployeesTheRestAreLeftUntouchedAndSaidSo) {
+    int total = 0;
+    const CompanyImportResult r =
+        importCompanyPunches(t.db, punches(), request, [&](int done, int all, const QString&) {
+            total = all;
+            return done < 2;
+        });
+    ASSERT_GT(total, 3);
+    EXPECT_TRUE(r.stopped);
+    EXPECT_EQ(r.employees.size(), 2);
+    EXPECT_EQ(r.notReached, total - 2);
+    EXPECT_EQ(r.count(Outcome::Saved), 1);  // E0001; E0002 is skipped for its flagged day
+    EXPECT_EQ(t.scalar(QStringLiteral("select count(*) from pEmployeeAttendence where "
+                                      "eaStartDate='2026-11-01'"))
+                  .toInt(),
+              1);
+    EXPECT_EQ(companyImportExitCode(r), 1);
+    const QStringList summary = companyImportSummary(r, false);
+    EXPECT_EQ(summary.value(0), QStringLiteral("1 of %1 employees saved, 1 skipped.").arg(total));
+    EXPECT_EQ(summary.value(1),
+              QStringLiteral("Stopped before the last %1 employees: nothing of theirs was written.")
+                  .arg(total - 2));
+}
+
 // What one employee's import asks of the database depends on that employee alone: with
 // four times the staff punching, each of the demo's employees runs the same statements.
 TEST_F(CompanyImport, TheStatementsOfAnEmployeeDoNotGrowWithTheCompany) {
@@ -721,6 +745,6 @@ TEST(PunchesScreenshot, TheRegistersImportOfTheDemosMonth) {
     dialog.show();
     ASSERT_TRUE(dialog.cmdImport_Click());
     dialog.txtSummary->moveCursor(QTextCursor::Start);
-    EXPECT_TRUE(dialog.grab().save(QString::fromLocal8Bit(out) +
-                                   QStringLiteral("/punches-company.png")));
+    EXPECT_TRUE(
+        dialog.grab().save(QString::fromLocal8Bit(out) + QStringLiteral("/punches-company.png")));
 }
