@@ -95,7 +95,7 @@ int main(int argc, char** argv) {
 
     QVector<Employee> staff;
     staff.reserve(employees);
-    for (int e = 1; e <= employees; ++e) staff.append({e, QString::number(e), true});
+    for (int e = 1; e <= employees; ++e) staff.append({e, QString::number(e), true, QString()});
     PairingOptions options;
     options.from = QDate(2026, 3, 1);
     options.to = options.from.addDays(days - 1);
