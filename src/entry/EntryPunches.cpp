@@ -88,13 +88,14 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
     FlexGridModel& days = *mfgAttendance->flexModel();
     const punches::ImportPlan plan = punches::planForEntry(days, mine, gdtProcessDate);
     if (plan.pairs == 0) {
-        MsgBox(tr("None of the punches of %1 in the file falls between %2 and %3. Nothing was "
-                  "changed.")
-                   .arg(cboEmpname->currentText().trimmed(),
-                        dateText(rules::cellDate(days.TextMatrix(1, colDate)).value_or(QDate())),
-                        dateText(rules::cellDate(days.TextMatrix(days.Rows() - 1, colDate))
-                                     .value_or(QDate()))),
-               MsgButtons::Ok, MsgIcon::Information);
+        const auto dayOfRow = [&days](int row) {
+            return dateText(rules::cellDate(days.TextMatrix(row, colDate)).value_or(QDate()));
+        };
+        MsgBox(
+            tr("None of the punches of %1 in the file falls between %2 and %3. Nothing was "
+               "changed.")
+                .arg(cboEmpname->currentText().trimmed(), dayOfRow(1), dayOfRow(days.Rows() - 1)),
+            MsgButtons::Ok, MsgIcon::Information);
         return false;
     }
 

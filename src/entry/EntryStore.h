@@ -46,8 +46,8 @@ struct SaveResult {
     // (monthly entry, zero rate, overlap, an edit over a changed entry) or the database's
     // message. Empty when saved.
     QString message;
-    QString attendanceNo;  // the number it was saved under
-    bool failed = false;   // the database failed (not a check that refused)
+    QString attendanceNo = {};  // the number it was saved under
+    bool failed = false;        // the database failed (not a check that refused)
 };
 
 // Saves `e` for the company as the user: the checks, then header, detail lines, claims and

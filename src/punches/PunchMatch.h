@@ -19,7 +19,7 @@ struct Employee {
     qint32 id = 0;  // eID
     QString empNo;  // eEmpNo
     bool active = true;
-    QString name;  // ename, for the clerk's summaries
+    QString name = {};  // ename, for the clerk's summaries
 };
 
 // A code's number as it is compared: trimmed, leading zeros dropped ("000" gives "0").
