@@ -16,8 +16,8 @@ namespace qz2::app {
 
 namespace {
 
-constexpr int kExitUsage = 2;
-constexpr int kExitDatabase = 3;
+using host::kExitDatabase;
+using host::kExitUsage;
 
 int fail(int code, const QString& message) {
     return host::commandFailed("add-history-table", code, message);

@@ -14,6 +14,10 @@
 
 namespace qz2::host {
 
+// The exit codes every command of the program gives the same meaning.
+constexpr int kExitUsage = 2;     // bad options
+constexpr int kExitDatabase = 3;  // the database cannot be opened or used
+
 struct DatabaseChoice {
     QString sqliteFile;  // --database
     QString odbc;        // --odbc; neither: the demo database

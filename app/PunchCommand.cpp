@@ -22,8 +22,8 @@ namespace qz2::app {
 
 namespace {
 
-constexpr int kExitUsage = 2;
-constexpr int kExitDatabase = 3;
+using host::kExitDatabase;
+using host::kExitUsage;
 constexpr int kExitFile = 4;
 
 int fail(int code, const QString& message) {
@@ -141,9 +141,7 @@ int runImportPunchesCommand(int argc, char** argv) {
     // The file first: a file that cannot be read is said before the database is touched.
     punches::ReadResult read = punches::readPunchFile(args[1]);
     if (!read.ok()) {
-        QStringList why{read.message};
-        why << punches::describeProblems(read.problems);
-        return fail(kExitFile, why.join(QStringLiteral("\n  ")));
+        return fail(kExitFile, punches::refusalText(read).join(QStringLiteral("\n  ")));
     }
 
     QString openError;
@@ -193,9 +191,7 @@ int runImportPunchesCommand(int argc, char** argv) {
         return fail(kExitDatabase, why);
     }
     QStringList summary = punches::companyImportSummary(result, request.dryRun);
-    const QStringList problems = punches::describeProblems(read.problems);
-    if (!problems.isEmpty())
-        summary << QStringLiteral("Lines of the file that were not read:") << problems;
+    summary << punches::unreadLinesText(read);
     std::fputs(qPrintable(summary.join(QLatin1Char('\n')) + QLatin1Char('\n')), stdout);
     return punches::companyImportExitCode(result);
 }

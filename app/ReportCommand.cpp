@@ -22,8 +22,8 @@ namespace qz2::app {
 
 namespace {
 
-constexpr int kExitUsage = 2;
-constexpr int kExitDatabase = 3;
+using host::kExitDatabase;
+using host::kExitUsage;
 constexpr int kExitRequest = 5;
 constexpr int kExitOutput = 6;
 

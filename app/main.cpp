@@ -28,8 +28,8 @@
 
 namespace {
 
-constexpr int kExitUsage = 2;
-constexpr int kExitDatabase = 3;
+using qz2::host::kExitDatabase;
+using qz2::host::kExitUsage;
 constexpr int kExitDisplay = 4;
 constexpr char kProgram[] = "qz2-attendance";
 

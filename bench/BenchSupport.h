@@ -13,6 +13,7 @@
 #include <QLineEdit>
 #include <QSqlDatabase>
 #include <QSqlQuery>
+#include <QStringList>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <cstdio>
@@ -33,6 +34,23 @@ namespace benchmonth {
 // Milliseconds since the timer started.
 inline double ms(const QElapsedTimer& t) {
     return static_cast<double>(t.nsecsElapsed()) / 1e6;
+}
+
+// The whole-number value given to an option ("--employees 500"), or the fallback.
+inline int optionValue(const QStringList& args, const QString& name, int fallback) {
+    const auto i = args.indexOf(name);
+    return i >= 0 && i + 1 < args.size() ? args[i + 1].toInt() : fallback;
+}
+
+// One line of a time clock's attendance log as clocks write it: the code, the date
+// ("yyyy-mm-dd") and time of day, the device, the state, then two numbers readers ignore.
+inline void appendLogLine(QByteArray& buffer, const QByteArray& code, const QByteArray& date,
+                          int secondOfDay, int device, int state) {
+    buffer += code + '\t' + date + ' ' +
+              QByteArray::number(secondOfDay / 3600).rightJustified(2, '0') + ':' +
+              QByteArray::number(secondOfDay / 60 % 60).rightJustified(2, '0') + ':' +
+              QByteArray::number(secondOfDay % 60).rightJustified(2, '0') + '\t' +
+              QByteArray::number(device) + '\t' + QByteArray::number(state) + "\t1\t0\r\n";
 }
 
 // The median of the times.

@@ -40,19 +40,11 @@ using namespace qz2;
 namespace {
 
 using benchmonth::ms;
+using benchmonth::optionValue;
 using benchmonth::resetPeak;
 using benchmonth::statusKb;
 
 constexpr qint16 kCompany = 1;
-
-int optionValue(const QStringList& args, const QString& name, int fallback) {
-    const int i = args.indexOf(name);
-    return i >= 0 && i + 1 < args.size() ? args[i + 1].toInt() : fallback;
-}
-
-QString dmy(QDate d) {
-    return d.toString(QStringLiteral("dd/MM/yyyy"));
-}
 
 // The new employees: identifiers from `firstId` on, numbers "B00001" on.
 struct NewStaff {
@@ -192,12 +184,8 @@ qint64 writeLog(const QString& path, const QVector<QByteArray>& codes,
         for (int k = 0; k < 6; ++k) {
             for (qsizetype e = 0; e < codes.size(); ++e) {
                 const int second = at[static_cast<std::size_t>(e) * 6 + k];
-                buffer += codes[e] + '\t' + date + ' ' +
-                          QByteArray::number(second / 3600).rightJustified(2, '0') + ':' +
-                          QByteArray::number(second / 60 % 60).rightJustified(2, '0') + ':' +
-                          QByteArray::number(second % 60).rightJustified(2, '0') + '\t' +
-                          QByteArray::number(1 + e % 4) + '\t' + QByteArray::number(states[k]) +
-                          "\t1\t0\r\n";
+                benchmonth::appendLogLine(buffer, codes[e], date, second,
+                                          static_cast<int>(1 + e % 4), states[k]);
                 ++lines;
                 if (buffer.size() > 4 * 1024 * 1024 - 256) {
                     f.write(buffer);
@@ -306,12 +294,13 @@ int main(int argc, char** argv) {
         "staff: %d employees added to company 1 in %.0f ms (copies of employee %d, "
         "department %s, joined %s)\n",
         employees, addMs, *model, qPrintable(settings.departmentName.trimmed()),
-        settings.dateOfJoin ? qPrintable(dmy(*settings.dateOfJoin)) : "never");
+        settings.dateOfJoin ? qPrintable(dateText(*settings.dateOfJoin)) : "never");
     std::printf(
         "period: %s to %s, business date %s (the session's %s proposes the same "
         "period); %lld working days punched, %d without schedule or holidays%s\n",
-        qPrintable(dmy(period.start)), qPrintable(dmy(period.end)), qPrintable(dmy(businessDate)),
-        qPrintable(dmy(session)), static_cast<long long>(days.size()), offDays,
+        qPrintable(dateText(period.start)), qPrintable(dateText(period.end)),
+        qPrintable(dateText(businessDate)), qPrintable(dateText(session)),
+        static_cast<long long>(days.size()), offDays,
         lastPunched < period.end ? ", the days after the business date not punched" : "");
 
     // The log.

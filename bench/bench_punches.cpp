@@ -19,13 +19,9 @@ using namespace qz2::punches;
 
 namespace {
 
+using benchmonth::optionValue;
 using benchmonth::resetPeak;
 using benchmonth::statusKb;
-
-int optionValue(const QStringList& args, const QString& name, int fallback) {
-    const int i = args.indexOf(name);
-    return i >= 0 && i + 1 < args.size() ? args[i + 1].toInt() : fallback;
-}
 
 // The clock writes punches as they happen: each day, each punch of the day, every employee
 // within a few minutes of the others. States: check-in, break-out, break-in, check-out,
@@ -54,12 +50,7 @@ qint64 writeLog(const QString& path, int employees, int days) {
                                                       : QByteArray::number(e);
                 const bool twice = (punches * 7) % 93 < 7;
                 for (const int second : {at, at + 30 + int((seed >> 4) % 60)}) {
-                    buffer += code + '\t' + date + ' ' +
-                              QByteArray::number(second / 3600).rightJustified(2, '0') + ':' +
-                              QByteArray::number(second / 60 % 60).rightJustified(2, '0') + ':' +
-                              QByteArray::number(second % 60).rightJustified(2, '0') + '\t' +
-                              QByteArray::number(1 + e % 4) + '\t' + QByteArray::number(states[k]) +
-                              "\t1\t0\r\n";
+                    benchmonth::appendLogLine(buffer, code, date, second, 1 + e % 4, states[k]);
                     ++lines;
                     if (!twice) break;
                 }

@@ -30,6 +30,7 @@
 #include "db/Database.h"
 #include "entry/AmountTextValidator.h"
 #include "entry/DateTextValidator.h"
+#include "entry/EntryReads.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
 #include "picker/frmEmployeesAttendanceEntryStatus.h"

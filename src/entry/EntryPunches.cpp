@@ -61,9 +61,8 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
 
     const punches::ReadResult read = punches::readPunchFile(path);
     if (!read.ok()) {
-        QStringList why{read.message};
-        why << punches::describeProblems(read.problems);
-        MsgBox(why.join(QLatin1Char('\n')), MsgButtons::Ok, MsgIcon::Information);
+        MsgBox(punches::refusalText(read).join(QLatin1Char('\n')), MsgButtons::Ok,
+               MsgIcon::Information);
         return false;
     }
     const qint32 employee = cboEmpname->currentData().toInt();
@@ -115,8 +114,7 @@ bool frmEmployeeDailyAttendance::fnImportPunches(const QString& path) {
 
     QStringList summary = punches::importSummary(plan);
     summary << withdrawn;
-    const QStringList problems = punches::describeProblems(read.problems);
-    if (!problems.isEmpty()) summary << tr("Lines of the file that were not read:") << problems;
+    summary << punches::unreadLinesText(read);
     frmPunchSummary dialog(summary, plan.workingDaysWithoutPunches, this);
     if (dialog.run() == QDialog::Accepted) {
         const QVector<QDate> absent = dialog.fnTickedDays();

@@ -72,11 +72,8 @@ void frmEmployeeDailyAttendance::cmdOK_Click() {
     toSave.action = m_punchesImported ? history::Action::Imported
                     : editMode        ? history::Action::Edited
                                       : history::Action::Created;
-    // The register sets the screen's identifier on start-up; a form opened on its own
-    // still numbers under this screen.
-    const qint32 interfaceId = glngInterfaceID != 0 ? glngInterfaceID : kInterfaceID;
     const entry::SaveResult result =
-        entry::fnSaveEntry(gadocon, gintCompanyID, gintUserID, interfaceId, toSave);
+        entry::fnSaveEntry(gadocon, gintCompanyID, gintUserID, screenInterfaceId(), toSave);
     if (!result.savedId) {
         MsgBox(result.message, MsgButtons::Ok, MsgIcon::Information);
         return;

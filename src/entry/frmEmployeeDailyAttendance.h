@@ -17,7 +17,6 @@
 #include <optional>
 
 #include "db/Dialect.h"
-#include "entry/EntryReads.h"
 #include "entry/EntryRules.h"
 #include "entry/StatementCache.h"
 #include "shared/BasAttendence.h"
@@ -37,6 +36,10 @@ class QListWidgetItem;
 class QMenu;
 class QPushButton;
 class QTimeEdit;
+
+namespace qz2::entry {
+class PeriodReads;
+}
 
 namespace qz2 {
 

@@ -2,13 +2,12 @@
 
 #include <algorithm>
 #include <exception>
+#include <stdexcept>
 #include <utility>
 
 #include "db/Database.h"
-#include "db/Dialect.h"
 #include "entry/EntryReads.h"
 #include "entry/EntryStore.h"
-#include "entry/SaveSql.h"
 #include "entry/StatementCache.h"
 #include "punches/PunchImport.h"
 #include "punches/PunchMatch.h"
@@ -16,7 +15,6 @@
 #include "rules/DayTypes.h"
 #include "rules/Population.h"
 #include "rules/RuleGrids.h"
-#include "rules/Saving.h"
 #include "shared/BasAttendence.h"
 #include "shared/FlexGrid.h"
 
@@ -71,19 +69,6 @@ void importEmployee(const QSqlDatabase& db, const CompanyImportRequest& request,
     const std::optional<qint32> setting =
         entry::readNewestWorkTimeSetting(db, request.company, employee.workTimeCondition);
     if (!setting) throw Skip{entry::workTimeMissingMessage(employee.departmentName)};
-    {
-        // Asked again by the save under its lock; asked here so that nothing is laid out for
-        // an employee whose period is taken.
-        const db::Recordset other = db::openRecordset(
-            db, entry::savesql::overlappingEntryQuery(db::Dialect::of(db), request.company, out.id,
-                                                      period.start, period.end, std::nullopt));
-        if (!other.eof())
-            throw Skip{rules::overlapMessage(
-                other.field(0).toString(),
-                timeValueFromDb(other.field(1)).value_or(TimeValue()).date(),
-                timeValueFromDb(other.field(2)).value_or(TimeValue()).date())};
-    }
-
     // Populate, as the form's button runs it for a new entry with no absent day picked.
     entry::StatementCache cache;
     entry::PeriodReads reads(db, request.company, *setting, employee.calendarCondition,
@@ -92,7 +77,6 @@ void importEmployee(const QSqlDatabase& db, const CompanyImportRequest& request,
         reads, out.id, period.start, period.end, employee.dateOfJoin, settings);
     EntryGrids grids;
     rules::populateNewEntry(grids.days, grids.pairs, grids.mirror, input);
-    if (grids.days.Rows() <= 1) throw Skip{QStringLiteral("the period has no day to lay out")};
 
     // The punches, as Import punches... lays them on.
     const ImportPlan plan =
@@ -171,6 +155,9 @@ std::optional<QString> requestProblem(const CompanyImportRequest& request) {
 CompanyImportResult importCompanyPunches(const QSqlDatabase& db, QVector<Punch> punches,
                                          const CompanyImportRequest& request,
                                          const ImportProgress& progress) {
+    // The callers refuse such a period with its reason; here it would lay out no day at all.
+    if (const std::optional<QString> problem = requestProblem(request))
+        throw std::invalid_argument(problem->toStdString());
     CompanyImportResult result;
     result.punches = static_cast<int>(punches.size());
     const QVector<Employee> staff = readCompanyEmployees(db, request.company);

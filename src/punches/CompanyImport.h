@@ -7,10 +7,10 @@
 // and says why an employee was left out.
 //
 // An employee is skipped, and nothing of theirs written, when the proposed period is not
-// the one given, a live entry already overlaps it, the department, calendar or work-time
-// settings are missing, a day is flagged (a check-out missing, a stray check-out, more than
-// six pairs, a punch after the business date), no punch falls in the period, or the save
-// refuses (its message is the reason).
+// the one given, the department, calendar or work-time settings are missing, a day is
+// flagged (a check-out missing, a stray check-out, more than six pairs, a punch after the
+// business date), no punch falls in the period, or the save refuses (its message is the
+// reason: a live entry overlapping the period, a zero rate, the database's message).
 
 #include <QDate>
 #include <QSqlDatabase>
@@ -67,8 +67,9 @@ struct CompanyImportResult {
 // returning false stops the import before the next employee.
 using ImportProgress = std::function<bool(int done, int total, const QString& employee)>;
 
-// Throws db::DbError when the company's employees cannot be read; a statement failing for
-// one employee skips that employee (databaseFailed) and the import goes on.
+// Throws db::DbError when the company's employees cannot be read, std::invalid_argument for
+// a request with a requestProblem; a statement failing for one employee skips that employee
+// (databaseFailed) and the import goes on.
 CompanyImportResult importCompanyPunches(const QSqlDatabase& db, QVector<Punch> punches,
                                          const CompanyImportRequest& request,
                                          const ImportProgress& progress = {});

@@ -443,6 +443,16 @@ QStringList describeProblems(const ProblemLog& problems) {
     return out;
 }
 
+QStringList refusalText(const ReadResult& read) {
+    return QStringList{read.message} + describeProblems(read.problems);
+}
+
+QStringList unreadLinesText(const ReadResult& read) {
+    const QStringList problems = describeProblems(read.problems);
+    if (problems.isEmpty()) return {};
+    return QStringList{QStringLiteral("Lines of the file that were not read:")} + problems;
+}
+
 // ---- The reader -------------------------------------------------------------------------
 
 struct PunchReader::State {

@@ -165,4 +165,9 @@ ReadResult readPunchFile(const QString& path);
 // Bytes already in memory.
 ReadResult readPunchBytes(QByteArrayView bytes);
 
+// Why a file that was not read was refused: its message, then its problems.
+QStringList refusalText(const ReadResult& read);
+// The lines of a read file that were not read, under a heading; empty when every line was.
+QStringList unreadLinesText(const ReadResult& read);
+
 }  // namespace qz2::punches

@@ -32,7 +32,7 @@ frmImportPunches::frmImportPunches(QWidget* parent) : QDialog(parent) {
     cmdBrowse = new QPushButton(tr("&Browse..."), this);
     cmdBrowse->setObjectName(QStringLiteral("cmdBrowse"));
     cmdBrowse->setAutoDefault(false);
-    const QDate business = gdtProcessDate.isValid() ? gdtProcessDate : QDate::currentDate();
+    const QDate business = businessDateOrToday();
     // The usual run: the month the business date is in, as the entries' next period.
     const QDate first(business.year(), business.month(), 1);
     dtpFrom = new QDateEdit(first, this);
@@ -126,10 +126,10 @@ bool frmImportPunches::cmdImport_Click() {
     punches::CompanyImportRequest request;
     request.company = gintCompanyID;
     request.user = gintUserID;
-    request.interfaceId = glngInterfaceID != 0 ? glngInterfaceID : kInterfaceID;
+    request.interfaceId = screenInterfaceId();
     request.from = dtpFrom->date();
     request.to = dtpTo->date();
-    request.businessDate = gdtProcessDate.isValid() ? gdtProcessDate : QDate::currentDate();
+    request.businessDate = businessDateOrToday();
     request.dryRun = chkDryRun->isChecked();
     if (const std::optional<QString> problem = punches::requestProblem(request)) {
         QString text = *problem;
@@ -145,9 +145,8 @@ bool frmImportPunches::cmdImport_Click() {
         read = punches::readPunchFile(path);
     }
     if (!read.ok()) {
-        QStringList why{read.message};
-        why << punches::describeProblems(read.problems);
-        MsgBox(why.join(QLatin1Char('\n')), MsgButtons::Ok, MsgIcon::Information);
+        MsgBox(punches::refusalText(read).join(QLatin1Char('\n')), MsgButtons::Ok,
+               MsgIcon::Information);
         txtFile->setFocus();
         return false;
     }
@@ -179,8 +178,7 @@ bool frmImportPunches::cmdImport_Click() {
     }
     progress.close();
     QStringList summary = punches::companyImportSummary(result, request.dryRun);
-    const QStringList problems = punches::describeProblems(read.problems);
-    if (!problems.isEmpty()) summary << tr("Lines of the file that were not read:") << problems;
+    summary << punches::unreadLinesText(read);
     txtSummary->setPlainText(summary.join(QLatin1Char('\n')));
     if (!request.dryRun && result.count(punches::Outcome::Saved) > 0) m_savedAny = true;
     txtSummary->setFocus();

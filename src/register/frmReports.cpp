@@ -46,7 +46,7 @@ frmReports::frmReports(const QString& entryNo, QWidget* parent) : QDialog(parent
     kindLayout->addWidget(optSheet);
 
     // The process date's month by default.
-    const QDate today = gdtProcessDate.isValid() ? gdtProcessDate : QDate::currentDate();
+    const QDate today = businessDateOrToday();
     dtpFrom = new QDateEdit(QDate(today.year(), today.month(), 1), this);
     dtpFrom->setObjectName(QStringLiteral("dtpFrom"));
     dtpTo = new QDateEdit(QDate(today.year(), today.month(), today.daysInMonth()), this);

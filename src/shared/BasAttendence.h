@@ -25,6 +25,16 @@ inline QString gstrMasterQuery;
 // The screen's identifier in the rights and prefix tables.
 constexpr qint32 kInterfaceID = 91029;
 
+// The identifier the register set on start-up; this screen's own when nothing set one (a
+// form opened on its own).
+inline qint32 screenInterfaceId() {
+    return glngInterfaceID != 0 ? glngInterfaceID : kInterfaceID;
+}
+// The session's business date; today when none was given.
+inline QDate businessDateOrToday() {
+    return gdtProcessDate.isValid() ? gdtProcessDate : QDate::currentDate();
+}
+
 // One physical table name per logical table the component uses, filled by
 // fnLoadLinkTableNames; empty until the link table names it.
 struct LinkedTableNamesT {
