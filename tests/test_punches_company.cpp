@@ -20,6 +20,7 @@
 #include <QTemporaryDir>
 #include <QTextCursor>
 #include <algorithm>
+#include <stdexcept>
 
 #include "SaveScenario.h"
 #include "TestSupport.h"
@@ -291,6 +292,31 @@ TEST_F(CompanyImport, MissingSettingsSkipTheEmployeeWithTheFormsOwnMessage) {
         << noCalendar.employees.first().reason.toStdString();
     EXPECT_TRUE(
         noCalendar.employees.first().reason.endsWith(QStringLiteral(" for the year - 2026")));
+}
+
+TEST_F(CompanyImport, AMissingDateOfJoinOrPunchesOnlyOutsideThePeriodSkipTheEmployee) {
+    // E0001's date of join is the suite's "missing" value; E0029 (active, without entries,
+    // so proposed the business date's pay month) punched only in October.
+    t.exec(QStringLiteral("update pEmployee set eDateofjoin='9999-11-01' where eEmpID=1"));
+    QVector<Punch> given = punches();
+    Punch october;
+    october.code = QStringLiteral("E0029");
+    october.at = QDateTime(QDate(2026, 10, 15), QTime(9, 0), Qt::UTC);
+    october.direction = Direction::In;
+    october.line = 9999;
+    given << october;
+    const QString first = storedEntry(1).join('\n');
+    const CompanyImportResult r = importCompanyPunches(t.db, given, request);
+    ASSERT_NE(find(r, 1), nullptr);
+    EXPECT_EQ(find(r, 1)->reason, QStringLiteral("Invalid date of Join cannot proceed"));
+    EXPECT_EQ(storedEntry(1).join('\n'), first);
+    ASSERT_NE(find(r, 29), nullptr);
+    EXPECT_EQ(find(r, 29)->reason,
+              QStringLiteral("none of the employee's punches falls in the period"));
+    EXPECT_EQ(entriesOf(29), 0);
+    // A period that ends before it starts is no request at all.
+    request.to = request.from.addDays(-1);
+    EXPECT_THROW(importCompanyPunches(t.db, given, request), std::invalid_argument);
 }
 
 TEST_F(CompanyImport, AStatementFailingAnywhereInOneEmployeesImportLeavesThemUntouched) {
