@@ -42,16 +42,44 @@ inline int optionValue(const QStringList& args, const QString& name, int fallbac
     return i >= 0 && i + 1 < args.size() ? args[i + 1].toInt() : fallback;
 }
 
-// One line of a time clock's attendance log as clocks write it: the code, the date
-// ("yyyy-mm-dd") and time of day, the device, the state, then two numbers readers ignore.
-inline void appendLogLine(QByteArray& buffer, const QByteArray& code, const QByteArray& date,
-                          int secondOfDay, int device, int state) {
-    buffer += code + '\t' + date + ' ' +
-              QByteArray::number(secondOfDay / 3600).rightJustified(2, '0') + ':' +
-              QByteArray::number(secondOfDay / 60 % 60).rightJustified(2, '0') + ':' +
-              QByteArray::number(secondOfDay % 60).rightJustified(2, '0') + '\t' +
-              QByteArray::number(device) + '\t' + QByteArray::number(state) + "\t1\t0\r\n";
-}
+// A time clock's attendance log as clocks write it, written in pieces of a few megabytes:
+// the clock's line first, then one line a punch (the code, the date "yyyy-mm-dd" and time
+// of day, the device, the state, then two numbers readers ignore), then the totals line.
+class ClockLog {
+public:
+    explicit ClockLog(const QString& path) : m_file(path) {
+        if (!m_file.open(QIODevice::WriteOnly)) return;
+        m_buffer.reserve(kPiece);
+        m_buffer += "Main gate SN 0841273\r\n";
+    }
+    bool isOpen() const { return m_file.isOpen(); }
+    void add(const QByteArray& code, const QByteArray& date, int secondOfDay, int device,
+             int state) {
+        m_buffer += code + '\t' + date + ' ' +
+                    QByteArray::number(secondOfDay / 3600).rightJustified(2, '0') + ':' +
+                    QByteArray::number(secondOfDay / 60 % 60).rightJustified(2, '0') + ':' +
+                    QByteArray::number(secondOfDay % 60).rightJustified(2, '0') + '\t' +
+                    QByteArray::number(device) + '\t' + QByteArray::number(state) + "\t1\t0\r\n";
+        ++m_lines;
+        if (m_buffer.size() > kPiece - 256) {
+            m_file.write(m_buffer);
+            m_buffer.clear();
+        }
+    }
+    // Writes the totals line; the punch lines written.
+    qint64 finish() {
+        m_buffer += "Total: " + QByteArray::number(m_lines) + "\r\n";
+        m_file.write(m_buffer);
+        m_file.close();
+        return m_lines;
+    }
+
+private:
+    static constexpr qsizetype kPiece = 4 * 1024 * 1024;
+    QFile m_file;
+    QByteArray m_buffer;
+    qint64 m_lines = 0;
+};
 
 // The median of the times.
 inline double median(std::vector<double> v) {

@@ -154,12 +154,8 @@ QVector<ClockDay> clockDays(const QSqlDatabase& db, const entry::EmployeeSetting
 // of punch lines, or -1.
 qint64 writeLog(const QString& path, const QVector<QByteArray>& codes,
                 const QVector<ClockDay>& days) {
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly)) return -1;
-    QByteArray buffer;
-    buffer.reserve(4 * 1024 * 1024);
-    buffer += "Main gate SN 0841273\r\n";
-    qint64 lines = 0;
+    benchmonth::ClockLog log(path);
+    if (!log.isOpen()) return -1;
     quint32 seed = 20261101;
     auto draw = [&seed](int range) {
         seed = seed * 1664525u + 1013904223u;
@@ -184,19 +180,11 @@ qint64 writeLog(const QString& path, const QVector<QByteArray>& codes,
         for (int k = 0; k < 6; ++k) {
             for (qsizetype e = 0; e < codes.size(); ++e) {
                 const int second = at[static_cast<std::size_t>(e) * 6 + k];
-                benchmonth::appendLogLine(buffer, codes[e], date, second,
-                                          static_cast<int>(1 + e % 4), states[k]);
-                ++lines;
-                if (buffer.size() > 4 * 1024 * 1024 - 256) {
-                    f.write(buffer);
-                    buffer.clear();
-                }
+                log.add(codes[e], date, second, static_cast<int>(1 + e % 4), states[k]);
             }
         }
     }
-    buffer += "Total: " + QByteArray::number(lines) + "\r\n";
-    f.write(buffer);
-    return lines;
+    return log.finish();
 }
 
 // A statement's shape: its literals and numbers blanked, so that one statement run for every

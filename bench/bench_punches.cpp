@@ -28,14 +28,10 @@ using benchmonth::statusKb;
 // overtime-in, overtime-out. Some codes come padded with blanks or zeros, as clocks do, and
 // 7 punches in 93 are pressed twice, the second time 30 to 89 seconds later.
 qint64 writeLog(const QString& path, int employees, int days) {
-    QFile f(path);
-    if (!f.open(QIODevice::WriteOnly)) return -1;
+    benchmonth::ClockLog log(path);
+    if (!log.isOpen()) return -1;
     const int minutes[6] = {8 * 60, 12 * 60, 12 * 60 + 30, 17 * 60, 18 * 60, 20 * 60};
     const int states[6] = {0, 2, 3, 1, 4, 5};
-    QByteArray buffer;
-    buffer.reserve(4 * 1024 * 1024);
-    buffer += "Main gate SN 0841273\r\n";
-    qint64 lines = 0;
     qint64 punches = 0;
     quint32 seed = 12345;
     for (int day = 1; day <= days; ++day) {
@@ -50,21 +46,14 @@ qint64 writeLog(const QString& path, int employees, int days) {
                                                       : QByteArray::number(e);
                 const bool twice = (punches * 7) % 93 < 7;
                 for (const int second : {at, at + 30 + int((seed >> 4) % 60)}) {
-                    benchmonth::appendLogLine(buffer, code, date, second, 1 + e % 4, states[k]);
-                    ++lines;
+                    log.add(code, date, second, 1 + e % 4, states[k]);
                     if (!twice) break;
                 }
                 ++punches;
-                if (buffer.size() > 4 * 1024 * 1024 - 256) {
-                    f.write(buffer);
-                    buffer.clear();
-                }
             }
         }
     }
-    buffer += "Total: " + QByteArray::number(lines) + "\r\n";
-    f.write(buffer);
-    return lines;
+    return log.finish();
 }
 
 }  // namespace
