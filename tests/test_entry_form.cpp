@@ -220,9 +220,10 @@ TEST_F(FormFixture, LoadFillsTheActiveEmployeesAndReadsTheSettings) {
     frmEmployeeDailyAttendance form;
     form.Form_Load();
     ASSERT_EQ(form.cboEmpname->count(), 3);
-    EXPECT_EQ(form.cboEmpname->itemText(0), QStringLiteral("Adam Baker"));
-    EXPECT_EQ(form.cboEmpname->itemText(1), QStringLiteral("Carl Doyle"));
-    EXPECT_EQ(form.cboEmpname->itemText(2), QStringLiteral("Zoe Walsh"));
+    // Listed by name, each shown with its number first.
+    EXPECT_EQ(form.cboEmpname->itemText(0), QStringLiteral("E4 \u2013 Adam Baker"));
+    EXPECT_EQ(form.cboEmpname->itemText(1), QStringLiteral("E7 \u2013 Carl Doyle"));
+    EXPECT_EQ(form.cboEmpname->itemText(2), QStringLiteral("E3 \u2013 Zoe Walsh"));
     EXPECT_EQ(form.cboEmpname->itemData(0).toInt(), 4);
     EXPECT_EQ(form.cboEmpname->itemData(2).toInt(), 3);
     // "gracetime" and "ConsiderLeaveHolidays" come from the first settings row.
@@ -335,8 +336,9 @@ TEST_F(FormFixture, EnterMovesOnFromEveryListedControl) {
         w->setFocus();
         ASSERT_EQ(QApplication::focusWidget(), w) << w->objectName().toStdString();
         QWidget* next = w->nextInFocusChain();
-        while (next &&
-               !(next->focusPolicy() & Qt::TabFocus && next->isVisible() && next->isEnabled()))
+        // The employee box's own line edit is part of the box, not the next control.
+        while (next && (w->isAncestorOf(next) || !(next->focusPolicy() & Qt::TabFocus &&
+                                                    next->isVisible() && next->isEnabled())))
             next = next->nextInFocusChain();
         QTest::keyClick(w, Qt::Key_Return);
         EXPECT_NE(QApplication::focusWidget(), w) << w->objectName().toStdString();

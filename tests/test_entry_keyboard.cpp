@@ -11,6 +11,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QCompleter>
+#include <QAbstractItemView>
 #include <QDateEdit>
 #include <QDir>
 #include <QGroupBox>
@@ -604,4 +606,163 @@ TEST_F(KeyboardFixture, BoxesTheFormFillsLookAndActReadOnlyAndTabPassesThem) {
     for (QLineEdit* box : filled)
         EXPECT_FALSE(visited.contains(box->objectName())) << visited.join(' ').toStdString();
     EXPECT_TRUE(visited.contains(QStringLiteral("txtRemarks")));
+}
+
+// ---- The time picker and the period boxes at Tab -------------------------------------------
+
+TEST_F(KeyboardFixture, ShiftTabLeavesTheTimePickerBackwards) {
+    populate();
+    showDay(2);
+    days()->setFocus();
+    for (int i = 0; i < 4 && QApplication::focusWidget() != form->dtpCheckTime; ++i)
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    ASSERT_TRUE(form->dtpCheckTime->isVisible());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_FALSE(form->dtpCheckTime->isVisible());
+    // Back where Tab came from: the day grid, which is before the pairs in the Tab order.
+    EXPECT_EQ(QApplication::focusWidget(), days());
+    EXPECT_TRUE(msgbox_testing::shown().isEmpty());
+}
+
+TEST_F(KeyboardFixture, ThePeriodBoxesTakeOneTabEach) {
+    form->txtStartDate->setFocus();
+    QTest::keyClick(form->txtStartDate, Qt::Key_Tab);
+    QWidget* now = QApplication::focusWidget();
+    ASSERT_TRUE(now == form->dtpEndDate || form->dtpEndDate->isAncestorOf(now));
+    QTest::keyClick(now, Qt::Key_Tab);  // one Tab leaves the end date, as one leaves the start
+    EXPECT_EQ(QApplication::focusWidget(), form->lstAbsentDays);
+    QTest::keyClick(form->lstAbsentDays, Qt::Key_Tab, Qt::ShiftModifier);
+    now = QApplication::focusWidget();
+    ASSERT_TRUE(now == form->dtpEndDate || form->dtpEndDate->isAncestorOf(now));
+    QTest::keyClick(now, Qt::Key_Tab, Qt::ShiftModifier);
+    EXPECT_EQ(QApplication::focusWidget(), form->txtStartDate);
+    EXPECT_EQ(form->txtStartDate->text(), QStringLiteral("01/12/2026"));
+}
+
+TEST_F(KeyboardFixture, EnterOnACheckOutGoesToTheNextPairsCheckIn) {
+    populate();
+    // A working day laid out with two pairs: Enter on the first check-out lands on the
+    // second pair's check-in, with the picker open there.
+    int day = 0;
+    for (int r = 1; r < days()->Rows() && day == 0; ++r) {
+        showDay(r);
+        if (pairs()->Rows() >= 3 && !pairs()->TextMatrix(2, 2).isEmpty()) day = r;
+    }
+    ASSERT_GT(day, 0);
+    pairs()->setFocus();
+    pairs()->setCurrentCell(1, 3);
+    ASSERT_TRUE(form->dtpCheckTime->isVisible());
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+    EXPECT_EQ(pairs()->Row(), 2);
+    EXPECT_EQ(pairs()->Col(), 2);
+    EXPECT_EQ(QApplication::focusWidget(), form->dtpCheckTime);
+    EXPECT_TRUE(msgbox_testing::shown().isEmpty());
+}
+
+// ---- The employee box: by number or by name ------------------------------------------------
+
+TEST_F(KeyboardFixture, TheEmployeeBoxShowsNumberAndNameAndFindsByEither) {
+    const QList<QVariantList> staff =
+        demo.rows("select eEmpID, eEmpNo, eName from pEmployee where eCompanyID=1 and eActive=1 order by eEmpID");
+    ASSERT_GT(staff.size(), 3);
+    for (int i = 0; i < form->cboEmpname->count(); ++i) {
+        const int id = form->cboEmpname->itemData(i).toInt();
+        for (const QVariantList& e : staff) {
+            if (e[0].toInt() == id) {
+                EXPECT_EQ(form->cboEmpname->itemText(i),
+                          e[1].toString() + QStringLiteral(" \u2013 ") + e[2].toString());
+            }
+        }
+    }
+    // The fourth employee by number, typed as the clerk says it.
+    const QVariantList wanted = staff[3];
+    form->cboEmpname->setFocus();
+    form->cboEmpname->lineEdit()->selectAll();
+    QTest::keyClicks(form->cboEmpname, wanted[1].toString().toLower());
+    QTest::keyClick(form->cboEmpname, Qt::Key_Return);
+    EXPECT_EQ(form->lngEmployeeID, wanted[0].toInt());
+    EXPECT_EQ(form->cboEmpname->currentText(), wanted[1].toString() + QStringLiteral(" \u2013 ") + wanted[2].toString());
+    EXPECT_NE(QApplication::focusWidget(), form->cboEmpname);  // Enter moved on
+
+    // And by a part of a name that only one employee has: the first employee's whole name.
+    const QVariantList other = staff[0];
+    form->cboEmpname->setFocus();
+    form->cboEmpname->lineEdit()->selectAll();
+    QTest::keyClicks(form->cboEmpname, other[2].toString());
+    QTest::keyClick(form->cboEmpname, Qt::Key_Tab);
+    EXPECT_EQ(form->lngEmployeeID, other[0].toInt());
+
+    // Text that names nobody chooses nobody else: the box shows the chosen employee again.
+    form->cboEmpname->setFocus();
+    form->cboEmpname->lineEdit()->selectAll();
+    QTest::keyClicks(form->cboEmpname, QStringLiteral("zzz nobody"));
+    QTest::keyClick(form->cboEmpname, Qt::Key_Tab);
+    EXPECT_EQ(form->lngEmployeeID, other[0].toInt());
+    EXPECT_EQ(form->cboEmpname->currentText(), form->cboEmpname->itemText(form->cboEmpname->currentIndex()));
+}
+
+TEST_F(KeyboardFixture, TwoEmployeesOfOneNameAreToldApartByNumber) {
+    const QVariantList first =
+        demo.rows("select eEmpID, eEmpNo, eName, eDeptID, eDateofjoin from pEmployee where eCompanyID=1 and "
+                  "eActive=1 order by eEmpID")
+            .first();
+    demo.exec(QStringLiteral("insert into pEmployee(eEmpID, eCompanyID, eEmpNo, eName, eActive, eDeptID, "
+                             "eDateofjoin) values(9001, 1, 'X9001', '%1', 1, %2, '%3')")
+                  .arg(first[2].toString(), first[3].toString(), first[4].toString().left(10)));
+    form.reset();
+    form = std::make_unique<frmEmployeeDailyAttendance>();
+    form->Form_Load();
+    form->show();
+    QApplication::setActiveWindow(form.get());
+    ASSERT_TRUE(QTest::qWaitForWindowActive(form.get()));
+    const QStringList named = [&] {
+        QStringList out;
+        for (int i = 0; i < form->cboEmpname->count(); ++i)
+            if (form->cboEmpname->itemText(i).endsWith(first[2].toString())) out << form->cboEmpname->itemText(i);
+        return out;
+    }();
+    ASSERT_EQ(named.size(), 2);
+    EXPECT_NE(named[0], named[1]);
+    for (const QString& number : {QStringLiteral("X9001"), first[1].toString()}) {
+        form->cboEmpname->setFocus();
+        form->cboEmpname->lineEdit()->selectAll();
+        QTest::keyClicks(form->cboEmpname, number);
+        QTest::keyClick(form->cboEmpname, Qt::Key_Tab);
+        EXPECT_EQ(form->lngEmployeeID, number == QLatin1String("X9001") ? 9001 : first[0].toInt());
+    }
+}
+
+TEST_F(KeyboardFixture, AnEmployeeThePickerGreysIsToldWhyBeforePopulate) {
+    // Worked out straight from the tables: the last payroll date, and whether any
+    // attendance detail lies after it.
+    int greyed = 0;
+    int clear = 0;
+    for (int i = 0; i < form->cboEmpname->count(); ++i) {
+        const int id = form->cboEmpname->itemData(i).toInt();
+        const QVariant payroll = demo.scalar(
+            QStringLiteral("select max(mppPayrollDate) from pMonthlyPayrollProcessing where mppEmpID=%1").arg(id));
+        const bool behind =
+            !payroll.isNull() &&
+            demo.scalar(QStringLiteral("select count(*) from pEmpAttendanceDetail where eadDate > '%1'")
+                            .arg(payroll.toString().left(10) + QStringLiteral(" 23:59:59")))
+                    .toInt() > 0;
+        if ((behind && greyed > 0) || (!behind && clear > 0)) continue;
+        SCOPED_TRACE(form->cboEmpname->itemText(i).toStdString());
+        msgbox_testing::setAutoAnswer(true);
+        form->cboEmpname->setCurrentIndex(i);
+        msgbox_testing::setAutoAnswer(false);
+        ASSERT_EQ(form->lngEmployeeID, id);
+        EXPECT_EQ(form->lblEmployeeStatus->isVisible(), behind);
+        if (behind) {
+            EXPECT_TRUE(form->lblEmployeeStatus->text().contains(
+                QDate::fromString(payroll.toString().left(10), Qt::ISODate).toString(QStringLiteral("dd/MM/yyyy"))));
+            // Nothing is blocked: the period is proposed and Populate lays it out.
+            EXPECT_FALSE(form->txtStartDate->text().isEmpty());
+            ++greyed;
+        } else {
+            ++clear;
+        }
+    }
+    EXPECT_EQ(greyed, 1);
+    EXPECT_EQ(clear, 1);
 }

@@ -323,15 +323,14 @@ TEST_F(PairsFixture, AWholeDayOfThreePairsWithoutTheMouse) {
     EXPECT_EQ(grid()->Col(), 3);
     EXPECT_EQ(grid()->TextMatrix(1, 2), QStringLiteral("09:00"));
     type("1300");
-    key(Qt::Key_Return);  // commits the check-out and adds the second pair
+    // Commits the check-out, adds the second pair and goes straight to its check-in: the
+    // next time typed is the check-in's.
+    key(Qt::Key_Return);
     EXPECT_EQ(pairs(), QStringList({"1 09:00-13:00", "2 -"}));
     EXPECT_EQ(mirrorOf(kMonday.addDays(2)), QStringList({"1 09:00-13:00"}));
     EXPECT_EQ(worked(3), QStringLiteral("04:00"));
     EXPECT_EQ(grid()->Row(), 2);
-    EXPECT_EQ(grid()->Col(), 1);
-    EXPECT_EQ(QApplication::focusWidget(), grid());
-
-    key(Qt::Key_Return);  // serial number -> check-in
+    EXPECT_EQ(grid()->Col(), 2);
     ASSERT_EQ(QApplication::focusWidget(), picker());
     type("1400");
     key(Qt::Key_Return);
@@ -339,7 +338,8 @@ TEST_F(PairsFixture, AWholeDayOfThreePairsWithoutTheMouse) {
     type("1800");
     key(Qt::Key_Return);
     EXPECT_EQ(pairs(), QStringList({"1 09:00-13:00", "2 14:00-18:00", "3 -"}));
-    key(Qt::Key_Return);
+    EXPECT_EQ(grid()->Row(), 3);
+    EXPECT_EQ(grid()->Col(), 2);
     type("1830");
     key(Qt::Key_Return);
     type("2000");
@@ -494,10 +494,10 @@ TEST_F(PairsFixture, AFailedCheckByMouseKeepsTheClerkOnTheCheckIn) {
 TEST_F(PairsFixture, ACompletedNewPairReachesTheMirrorOnceOnly) {
     showDay(2);  // Tuesday: one pair
     click(1, 3);
-    key(Qt::Key_Return);  // 13:00 stays; a second pair is added
+    key(Qt::Key_Return);  // 13:00 stays; a second pair is added, its check-in open
     ASSERT_EQ(pairs(), QStringList({"1 09:00-13:00", "2 -"}));
     EXPECT_EQ(mirrorOf(kMonday.addDays(1)), QStringList({"1 09:00-13:00"}));
-    key(Qt::Key_Return);
+    ASSERT_EQ(QApplication::focusWidget(), picker());
     picker()->setTime(QTime(14, 0));
     key(Qt::Key_Return);
     // Only the check-in: the pair is not in the mirror yet.
@@ -517,11 +517,11 @@ TEST_F(PairsFixture, ACompletedNewPairReachesTheMirrorOnceOnly) {
 
 TEST_F(PairsFixture, NoSeventhPairByKeyboard) {
     showDay(3);
+    click(1, 2);
     for (int sl = 1; sl <= 6; ++sl) {
-        if (sl > 1)
-            key(Qt::Key_Return);  // serial number -> check-in
-        else
-            click(1, 2);
+        // Enter on a check-out left the picker on the next pair's check-in.
+        ASSERT_EQ(grid()->Row(), sl);
+        ASSERT_EQ(grid()->Col(), 2);
         picker()->setTime(QTime(7 + 2 * sl, 0));
         key(Qt::Key_Return);
         picker()->setTime(QTime(8 + 2 * sl, 0));
@@ -558,9 +558,13 @@ TEST_F(PairsFixture, EnterOnTheGridWalksTheCellsAndAddsAPair) {
     key(Qt::Key_Return);  // last row: a pair is added, the grid's condition is date and number
     EXPECT_EQ(pairs(), QStringList({"1 09:00-13:00", "2 -"}));
     EXPECT_EQ(grid()->TextMatrix(2, 0), dateText(kMonday.addDays(1)));
+    // On the new pair's check-in, with the picker open for it.
     EXPECT_EQ(grid()->Row(), 2);
-    EXPECT_EQ(grid()->Col(), 1);
+    EXPECT_EQ(grid()->Col(), 2);
+    EXPECT_EQ(QApplication::focusWidget(), picker());
     // Any key that leaves the spare row tidies it away.
+    key(Qt::Key_Escape);
+    ASSERT_EQ(QApplication::focusWidget(), grid());
     key(Qt::Key_Up);
     EXPECT_EQ(pairs(), QStringList({"1 09:00-13:00"}));
 }

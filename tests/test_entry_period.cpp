@@ -332,7 +332,7 @@ TEST_F(PeriodFixture, TheClerkChoosesWithTheKeyboard) {
     ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
     form.cboEmpname->setFocus();
     QTest::keyClick(form.cboEmpname, Qt::Key_Down);
-    EXPECT_EQ(form.cboEmpname->currentText(), QStringLiteral("Bert Baker"));
+    EXPECT_EQ(form.cboEmpname->currentText(), QStringLiteral("E2 \u2013 Bert Baker"));
     EXPECT_EQ(form.lngEmployeeID, 2);
     EXPECT_EQ(form.txtStartDate->text(), QStringLiteral("01/11/2026"));
     EXPECT_EQ(form.txtTotalDays->text(), QStringLiteral("30"));

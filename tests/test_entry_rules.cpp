@@ -5,6 +5,7 @@
 
 #include <QLocale>
 
+#include "entry/EmployeeChoice.h"
 #include "entry/EntryRules.h"
 
 using namespace qz2;
@@ -228,4 +229,39 @@ TEST(EntryRulesNumber, TheNextNumberIsExactAndOneThatDoesNotFitIsRefused) {
                                  "would not fit. Nothing was saved; ask for a new prefix to be "
                                  "set for this screen."));
     }
+}
+
+// ---- The employee box's names and what the clerk types into it ------------------------------
+
+TEST(EmployeeChoice, EachEmployeeIsShownByNumberThenName) {
+    EXPECT_EQ(qz2::entry::employeeItemText(QStringLiteral(" E0007 "), QStringLiteral("Asha Verma ")),
+              QStringLiteral("E0007 \u2013 Asha Verma"));
+    EXPECT_EQ(qz2::entry::employeeItemText(QString(), QStringLiteral("Asha Verma")), QStringLiteral("Asha Verma"));
+}
+
+TEST(EmployeeChoice, ANumberFindsItsEmployeeWhateverTheCaseBlanksAndLeadingZeros) {
+    const QStringList items = {QStringLiteral("E0007 \u2013 Asha Verma"), QStringLiteral("E0070 \u2013 Asha Verma"),
+                               QStringLiteral("E0071 \u2013 Bruno Costa")};
+    using qz2::entry::findEmployeeItems;
+    EXPECT_EQ(findEmployeeItems(items, QStringLiteral("E0007")), QList<int>{0});
+    EXPECT_EQ(findEmployeeItems(items, QStringLiteral(" e7 ")), QList<int>{0});
+    EXPECT_EQ(findEmployeeItems(items, QStringLiteral("E70")), QList<int>{1});
+    // The whole shown text is that one item, even where the name is shared.
+    EXPECT_EQ(findEmployeeItems(items, items[1]), QList<int>{1});
+}
+
+TEST(EmployeeChoice, ANameOrAPartOfOneFindsEveryEmployeeItNames) {
+    const QStringList items = {QStringLiteral("E0007 \u2013 Asha Verma"), QStringLiteral("E0070 \u2013 Asha Verma"),
+                               QStringLiteral("E0071 \u2013 Bruno Costa")};
+    using qz2::entry::findEmployeeItems;
+    EXPECT_EQ(findEmployeeItems(items, QStringLiteral("costa")), QList<int>{2});
+    // Two people of one name: the name alone chooses neither.
+    EXPECT_EQ(findEmployeeItems(items, QStringLiteral("Asha Verma")), QList<int>({0, 1}));
+    EXPECT_EQ(findEmployeeItems(items, QStringLiteral("E007")), QList<int>{0});
+    EXPECT_TRUE(findEmployeeItems(items, QStringLiteral("nobody")).isEmpty());
+    EXPECT_TRUE(findEmployeeItems(items, QStringLiteral("   ")).isEmpty());
+}
+
+TEST(EmployeeChoice, ThePayrollNoteNamesTheLastPayrollDate) {
+    EXPECT_TRUE(qz2::entry::payrollBehindText(QDate(2026, 10, 31)).contains(QStringLiteral("(31/10/2026)")));
 }

@@ -282,7 +282,7 @@ TEST_F(PickerFixture, TheClerkChoosesFromThePicker) {
     QTest::mouseClick(form.cmdEmployee, Qt::LeftButton);
     EXPECT_TRUE(stayedOpenOnGrey);
     EXPECT_TRUE(closedOnChoice);
-    EXPECT_EQ(form.cboEmpname->currentText(), QStringLiteral("Bert Baker"));
+    EXPECT_EQ(form.cboEmpname->currentText(), QStringLiteral("EMP2 \u2013 Bert Baker"));
     // Selecting him ran the employee handler: his period follows his October entry.
     EXPECT_EQ(form.lngEmployeeID, 2);
     EXPECT_EQ(form.txtStartDate->text(), QStringLiteral("01/11/2026"));

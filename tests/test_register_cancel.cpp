@@ -384,6 +384,8 @@ TEST_F(RegisterCancel, EnterInTheReasonPressesOkTheFirstTime) {
 
 TEST_F(RegisterCancel, AUserOfAnotherCompanyCancelsWithEmptyRemarks) {
     qz2::gintUserID = 2;  // in pusers, but for company 2
+    // Allowed to cancel on this screen: only the name is missing.
+    db.exec(QStringLiteral("insert into puserrights(userid, interfaceid, functionrights) values(2, 91029, 'D')"));
     cancelFive([&](qz2::frmCancel* dlg) { typeAndConfirm(dlg, QStringLiteral("Duplicate")); });
     const QVariantList h = header(1, 5);
     ASSERT_EQ(h.size(), 2);
@@ -394,6 +396,7 @@ TEST_F(RegisterCancel, AUserOfAnotherCompanyCancelsWithEmptyRemarks) {
 
 TEST_F(RegisterCancel, AUserMissingFromUsersCancelsWithEmptyRemarks) {
     qz2::gintUserID = 9;
+    db.exec(QStringLiteral("insert into puserrights(userid, interfaceid, functionrights) values(9, 91029, 'D')"));
     cancelFive([&](qz2::frmCancel* dlg) { typeAndConfirm(dlg, QStringLiteral("Duplicate")); });
     const QVariantList h = header(1, 5);
     ASSERT_EQ(h.size(), 2);

@@ -199,7 +199,7 @@ void frmEmployeeDailyAttendance::mfgAttendance_Click() {
 // ---- Half days ---------------------------------------------------------------------------
 
 void frmEmployeeDailyAttendance::mfgAttendance_MouseDown(int button, int /*shift*/, int x, int y) {
-    if (button != 2) return;
+    if (button != 2 || m_readOnly) return;
     try {
         // The day under the mouse becomes the current day; the popup acts on it.
         const QModelIndex at = mfgAttendance->indexAt(QPoint(x, y));
@@ -221,6 +221,7 @@ void frmEmployeeDailyAttendance::mfgAttendance_MouseDown(int button, int /*shift
 }
 
 void frmEmployeeDailyAttendance::mnuHalfDay_Click() {
+    if (m_readOnly) return;
     try {
         const int row = mfgAttendance->Row();
         const QString caption = mnuHalfDay->text();

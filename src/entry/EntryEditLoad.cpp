@@ -48,12 +48,13 @@ QString numberText(const QVariant& v) {
 
 }  // namespace
 
-bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) {
+bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled, bool mayEdit) {
     gstrEntryMode = QStringLiteral("E");
     if (!m_loaded) Form_Load();
     bool viewOnly = false;
     std::optional<QDate> periodStart;
     std::optional<QDate> periodEnd;
+    QString cancelledReason;
     m_readError.clear();
     try {
         const db::Recordset header =
@@ -62,6 +63,7 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
             strOpenedHeader = entry::savesql::storedHeaderFingerprint(header);
             // The database says whether the entry is cancelled, whatever the list showed.
             if (db::isOn(header.field(QStringLiteral("eaCancelled")))) cancelled = true;
+            cancelledReason = header.field(QStringLiteral("eaCancelledRemarks")).toString();
             const QVariant employee = header.field(QStringLiteral("eaEmpID"));
             viewOnly = fnIsMonthlyEntryDone(QStringLiteral("E"));
             // Selecting the employee runs the employee box's own handler (department,
@@ -190,6 +192,14 @@ bool frmEmployeeDailyAttendance::fnLoadEntry(const QString& id, bool cancelled) 
         fraEmployeeAttendance->setEnabled(false);
         fraGridContainer->setEnabled(false);
     }
+    // An entry that cannot be changed reads as one: every box read-only and a line at the
+    // top that says why, the cancellation's reason included.
+    QStringList readOnlyBecause;
+    if (cancelled) readOnlyBecause << readOnlyCancelledText(cancelledReason);
+    if (viewOnly) readOnlyBecause << kReadOnlyPayroll;
+    m_mayEdit = mayEdit;
+    if (!mayEdit) readOnlyBecause << kReadOnlyNoRight;
+    if (!readOnlyBecause.isEmpty()) fnShowReadOnly(readOnlyBecause);
     fnStoreControlValues(this);
     return true;
 }

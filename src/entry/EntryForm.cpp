@@ -5,6 +5,9 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QAbstractItemView>
+#include <QCompleter>
+#include <QHash>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QEvent>
@@ -30,9 +33,11 @@
 #include "db/Database.h"
 #include "entry/AmountTextValidator.h"
 #include "entry/DateTextValidator.h"
+#include "entry/EmployeeChoice.h"
 #include "entry/EntryReads.h"
 #include "entry/EntrySql.h"
 #include "entry/frmEmployeeDailyAttendance.h"
+#include "picker/PickerStatus.h"
 #include "picker/frmEmployeesAttendanceEntryStatus.h"
 #include "rules/Hours.h"
 #include "shared/BasAttendence.h"
@@ -123,12 +128,33 @@ void frmEmployeeDailyAttendance::buildControls() {
 
     QWidget* top = fraEmployeeAttendance;
     cboEmpname = named(new QComboBox(top), "cboEmpname");
-    cboEmpname->setMinimumContentsLength(24);
+    // The clerk types a number or a part of a name; the list offers every employee that
+    // matches, and only a listed employee can be chosen.
+    cboEmpname->setEditable(true);
+    cboEmpname->setInsertPolicy(QComboBox::NoInsert);
+    {
+        auto* finder = new QCompleter(cboEmpname->model(), cboEmpname);
+        finder->setCompletionMode(QCompleter::PopupCompletion);
+        finder->setFilterMode(Qt::MatchContains);
+        finder->setCaseSensitivity(Qt::CaseInsensitive);
+        cboEmpname->setCompleter(finder);
+    }
+    cboEmpname->lineEdit()->setPlaceholderText(tr("Type a number or a name"));
+    cboEmpname->setMinimumContentsLength(32);
     cboEmpname->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     lblEmpname = named(buddyLabel(tr("&Employee:"), cboEmpname, top), "lblEmpname");
     cmdEmployee = button(top, "cmdEmployee", tr("&Find employee..."));
     cmdEmployee->setToolTip(
         tr("Choose the employee from the list that shows who can still be processed"));
+    lblEmployeeStatus = named(new QLabel(top), "lblEmployeeStatus");
+    lblEmployeeStatus->setWordWrap(true);
+    lblEmployeeStatus->setTextFormat(Qt::PlainText);
+    {
+        QPalette look = lblEmployeeStatus->palette();
+        look.setColor(QPalette::WindowText, QColor(0x9A, 0x4B, 0x00));  // amber: heed, not stop
+        lblEmployeeStatus->setPalette(look);
+    }
+    lblEmployeeStatus->setVisible(false);
     txtAttNo = readOnlyBox(top, "txtAttNo", 10);
     txtAttNo->setToolTip(tr("Given when the entry is saved"));
     txtAttdate = named(new QLineEdit(top), "txtAttdate");
@@ -173,6 +199,24 @@ void frmEmployeeDailyAttendance::buildControls() {
     txtNoLeave = readOnlyBox(mid, "txtNoLeave", 5);
     txtNoAbsent = readOnlyBox(mid, "txtNoAbsent", 5);
 
+    lblReadOnly = named(new QLabel(this), "lblReadOnly");
+    lblReadOnly->setWordWrap(true);
+    lblReadOnly->setTextFormat(Qt::PlainText);
+    lblReadOnly->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    lblReadOnly->setFrameShape(QFrame::StyledPanel);
+    lblReadOnly->setMargin(6);
+    lblReadOnly->setAutoFillBackground(true);
+    {
+        QPalette look = lblReadOnly->palette();
+        look.setColor(QPalette::Window, QColor(0xFF, 0xF4, 0xCE));  // a pale note yellow
+        look.setColor(QPalette::WindowText, QColor(0x5C, 0x3C, 0x00));
+        lblReadOnly->setPalette(look);
+        QFont bold = lblReadOnly->font();
+        bold.setBold(true);
+        lblReadOnly->setFont(bold);
+    }
+    lblReadOnly->setVisible(false);
+
     txtRemarks = named(new QLineEdit(this), "txtRemarks");
     // As long as the remarks column holds (varchar(500) in the suite's schema): a longer text
     // could not be saved whole.
@@ -213,6 +257,7 @@ void frmEmployeeDailyAttendance::buildLayout() {
     // "F" belongs to Find employee: every Alt letter of the form is its own.
     head->addWidget(buddyLabel(tr("Fro&m:"), txtStartDate, fraEmployeeAttendance), 1, 0);
     head->addLayout(periodRow, 1, 1);
+    head->addWidget(lblEmployeeStatus, 2, 1);
     head->setColumnStretch(1, 1);
     const auto widthFor = [](QWidget* w, const QString& sample, int extra) {
         w->setFixedWidth(w->fontMetrics().horizontalAdvance(sample) + extra);
@@ -289,6 +334,7 @@ void frmEmployeeDailyAttendance::buildLayout() {
     bottom->addWidget(cmdCancel);
 
     auto* form = new QVBoxLayout(this);
+    form->addWidget(lblReadOnly);
     form->addWidget(fraEmployeeAttendance);
     form->addWidget(fraGridContainer, 1);
     form->addLayout(bottom);
@@ -328,6 +374,10 @@ void frmEmployeeDailyAttendance::connectEvents() {
     // elsewhere never does).
     for (QPushButton* b : {cmdEmployee, cmdPopulateRecords, cmdImportPunches, cmdOK, cmdCancel})
         b->installEventFilter(this);
+    // The box's own line edit holds the focus while the clerk types into it.
+    cboEmpname->lineEdit()->installEventFilter(this);
+    dtpEndDate->installEventFilter(this);
+    for (QWidget* inner : dtpEndDate->findChildren<QWidget*>()) inner->installEventFilter(this);
     connect(cmdImportPunches, &QPushButton::clicked, this, [this] { cmdImportPunches_Click(); });
     connectPopulateEvents();
     connectPairEvents();
@@ -357,6 +407,18 @@ void frmEmployeeDailyAttendance::applyTabOrder() {
 }
 
 bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
+    // The end date is one stop of the Tab order, as the start is: Tab and Shift+Tab leave it
+    // instead of walking its day, month and year (the arrows and typing still reach those).
+    if (event->type() == QEvent::KeyPress && watched->isWidgetType() &&
+        (watched == dtpEndDate || dtpEndDate->isAncestorOf(static_cast<QWidget*>(watched)))) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool plain = !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+        if (plain && (key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab)) {
+            focusNextPrevChild(key->key() == Qt::Key_Tab &&
+                               !(key->modifiers() & Qt::ShiftModifier));
+            return true;
+        }
+    }
     // Punches are laid onto what could be saved: the import button follows OK (an opened
     // entry that is cancelled or locked by payroll takes neither).
     if (watched == cmdOK && event->type() == QEvent::EnabledChange)
@@ -382,6 +444,23 @@ bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
     if (pairsEventFilter(watched, event) || dayEventFilter(watched, event)) return true;
     // The wheel over the employee box scrolls past it; it never chooses another employee.
     if (watched == cboEmpname && event->type() == QEvent::Wheel) return true;
+    // Leaving the employee box with a number or a name typed chooses that employee.
+    if ((watched == cboEmpname || watched == cboEmpname->lineEdit()) &&
+        event->type() == QEvent::FocusOut) {
+        // The list of matches opening over the box is no leaving of it.
+        const auto reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
+            fnChooseTypedEmployee();
+    }
+    if ((watched == cboEmpname || watched == cboEmpname->lineEdit()) &&
+        event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Tab ||
+            key == Qt::Key_Backtab) {
+            if (QCompleter* finder = cboEmpname->completer()) finder->popup()->hide();
+            fnChooseTypedEmployee();
+        }
+    }
     if (event->type() == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
@@ -454,6 +533,7 @@ void frmEmployeeDailyAttendance::Form_Load() {
         m_db->strTableName = LinkedTableNames.pemployee;
         m_db->populatecomboorlist(cboEmpname, QStringLiteral("eEmpId"), QStringLiteral("ename"),
                                   entry::sql::employeeListCondition(dialect(), gintCompanyID));
+        fnShowEmployeeNumbers();
         const entry::PopulateSettings settings = entry::readPopulateSettings(gadocon);
         intGraceTime = static_cast<qint16>(settings.graceMinutes);
         blnConsiderLeaveHolidays = settings.considerLeaveHolidays;
@@ -544,8 +624,83 @@ bool frmEmployeeDailyAttendance::fnHasUnsavedWork() const {
 }
 
 bool frmEmployeeDailyAttendance::fnMayDiscardWork(const QString& question) {
-    if (m_saved || !fnHasUnsavedWork()) return true;
-    return MsgBox(question, MsgButtons::YesNo, MsgIcon::Question) == MsgResult::Yes;
+    // An entry that can only be viewed holds nothing of the clerk's to lose.
+    if (m_saved || m_readOnly || !fnHasUnsavedWork()) return true;
+    return MsgBox(question, MsgButtons::YesNo, MsgIcon::Question, MsgDefault::No) == MsgResult::Yes;
+}
+
+QString frmEmployeeDailyAttendance::readOnlyCancelledText(const QString& reason) {
+    const QString why = reason.trimmed();
+    return why.isEmpty() ? tr("This entry is cancelled: it can only be viewed.")
+                         : tr("This entry is cancelled: it can only be viewed. Reason: %1").arg(why);
+}
+
+void frmEmployeeDailyAttendance::fnShowReadOnly(const QStringList& reasons) {
+    m_readOnly = true;
+    dtpCheckTime->setVisible(false);
+    lblReadOnly->setText(reasons.join(QLatin1Char('\n')));
+    lblReadOnly->setVisible(!reasons.isEmpty());
+    cmdOK->setEnabled(false);
+    for (QWidget* w : std::initializer_list<QWidget*>{cboEmpname, cmdEmployee, lstAbsentDays,
+                                                       cmdPopulateRecords, cmdImportPunches,
+                                                       chkAllowanceDeductions})
+        w->setEnabled(false);
+    // The boxes keep their text selectable and their place in the Tab order, but take no
+    // typing, and look like the form's own read-only boxes.
+    for (QLineEdit* box : {txtAttdate, txtStartDate, txtAllowanceDeductions, txtRemarks}) {
+        box->setReadOnly(true);
+        QPalette look = box->palette();
+        look.setColor(QPalette::Base, look.color(QPalette::Window));
+        box->setPalette(look);
+    }
+    dtpEndDate->setReadOnly(true);
+    dtpEndDate->setCalendarPopup(false);
+}
+
+void frmEmployeeDailyAttendance::fnShowEmployeeNumbers() {
+    try {
+        QHash<qint32, QString> numbers;
+        for (db::Recordset rs =
+                 db::openRecordset(gadocon, entry::sql::employeeNumbersQuery(gintCompanyID));
+             !rs.eof(); rs.moveNext())
+            numbers.insert(rs.field(0).toInt(), rs.field(1).toString());
+        const QSignalBlocker block(cboEmpname);
+        for (int i = 0; i < cboEmpname->count(); ++i)
+            cboEmpname->setItemText(
+                i, entry::employeeItemText(numbers.value(cboEmpname->itemData(i).toInt()),
+                                           cboEmpname->itemText(i)));
+        if (cboEmpname->currentIndex() >= 0)
+            cboEmpname->setEditText(cboEmpname->itemText(cboEmpname->currentIndex()));
+    } catch (const std::exception&) {
+        // Without the numbers the box lists the names, as the employee table gives them.
+    }
+}
+
+void frmEmployeeDailyAttendance::fnChooseTypedEmployee() {
+    if (!cboEmpname->isEditable() || m_readOnly) return;
+    const int current = cboEmpname->currentIndex();
+    const QString typed = cboEmpname->currentText();
+    if (current >= 0 && typed == cboEmpname->itemText(current)) return;
+    QStringList items;
+    for (int i = 0; i < cboEmpname->count(); ++i) items << cboEmpname->itemText(i);
+    const QList<int> named = entry::findEmployeeItems(items, typed);
+    if (named.size() == 1 && named.first() != current) {
+        cboEmpname->setCurrentIndex(named.first());
+    }
+    // Whatever was typed, the box shows the employee whose days the form holds.
+    const int now = cboEmpname->currentIndex();
+    cboEmpname->setEditText(now >= 0 ? cboEmpname->itemText(now) : QString());
+}
+
+void frmEmployeeDailyAttendance::fnShowPayrollStatus() {
+    lblEmployeeStatus->clear();
+    lblEmployeeStatus->setVisible(false);
+    if (!isNewMode() || lngEmployeeID == 0) return;
+    if (const std::optional<QDate> payroll =
+            picker::payrollBehindAttendance(gadocon, lngEmployeeID)) {
+        lblEmployeeStatus->setText(entry::payrollBehindText(*payroll));
+        lblEmployeeStatus->setVisible(true);
+    }
 }
 
 void frmEmployeeDailyAttendance::cmdEmployee_Click() {

@@ -15,11 +15,11 @@ void showNewEntry(QWidget* parent) {
 
 // Edit mode: the form starts up, the stored entry is loaded into it and it is shown. When
 // the entry cannot be read the form is not shown at all.
-void openEntryForEdit(QWidget* parent, const QString& id, bool cancelled) {
+void openEntryForEdit(QWidget* parent, const QString& id, bool cancelled, bool mayEdit) {
     gstrEntryMode = QStringLiteral("E");
     frmEmployeeDailyAttendance form(parent);
     form.Form_Load();
-    if (!form.fnLoadEntry(id, cancelled)) return;
+    if (!form.fnLoadEntry(id, cancelled, mayEdit)) return;
     form.exec();
 }
 

@@ -235,6 +235,8 @@ bool frmEmployeeDailyAttendance::pairsEventFilter(QObject* watched, QEvent* even
                 }
                 return false;
             }
+            // Escape is the form's (Cancel): the grid lets it pass.
+            if (key->key() == Qt::Key_Escape) return false;
             // The grid: Enter is handled here; any other key does what the grid does with it,
             // and then the spare last row is tidied away.
             if (isEnterKey(key->key())) {
@@ -305,7 +307,7 @@ bool frmEmployeeDailyAttendance::pairsEventFilter(QObject* watched, QEvent* even
             if (mouse->button() != Qt::LeftButton) return false;
             // A double click below the last pair adds the next one, so that a day can be
             // keyed with the mouse alone.
-            if (rowAt(grid, mouse->position().toPoint()) != 0) return false;
+            if (rowAt(grid, mouse->position().toPoint()) != 0 || m_readOnly) return false;
             const int last = grid->Rows() - 1;
             if (last < 1 || last >= rules::kMaxPairRow) return true;
             const rules::EnterKeyAction add = rules::enterKeyAction(
@@ -361,7 +363,8 @@ void frmEmployeeDailyAttendance::mfgCheckinCheckOut_EnterCell() {
         FlexGrid* grid = mfgCheckinCheckOut;
         const int row = grid->Row();
         const int col = grid->Col();
-        if (row < 1 || !isTimeCol(col)) return;
+        // An entry that can only be viewed opens no picker: its times are read, not keyed.
+        if (row < 1 || !isTimeCol(col) || m_readOnly) return;
         grid->scrollTo(grid->currentIndex());
         placePicker(*this);
         const std::optional<TimeValue> time = rules::cellTime(grid->TextMatrix(row, col));
@@ -436,11 +439,16 @@ void frmEmployeeDailyAttendance::mfgCheckinCheckOut_KeyDown(int keyCode, int /*s
             case Kind::Nothing:
                 return;  // the sixth pair's check-out: no seventh pair, no tidy-up
             case Kind::MoveRight:
-            case Kind::NextRowCol1:
                 grid->setCurrentCell(action.row, action.col);
                 break;
+            case Kind::NextRowCol1:
+                // The pair number takes no input: Enter after a check-out goes on to the next
+                // pair's check-in, where the next time typed belongs.
+                grid->setCurrentCell(action.row, colCheckIn);
+                break;
             case Kind::AddRow:
-                grid->setCurrentCell(rules::fnAddPairRow(pairs, action), colSlNo);
+                if (m_readOnly) break;  // an entry that can only be viewed gets no new pair
+                grid->setCurrentCell(rules::fnAddPairRow(pairs, action), colCheckIn);
                 break;
             case Kind::Stay:
                 break;
@@ -472,8 +480,10 @@ void frmEmployeeDailyAttendance::dtpCheckTime_KeyDown(int keyCode, int /*shift*/
             case Kind::Nothing:
                 return;
             case Kind::MoveRight:
-            case Kind::NextRowCol1:
                 grid->setCurrentCell(action.row, action.col);
+                break;
+            case Kind::NextRowCol1:
+                grid->setCurrentCell(action.row, colCheckIn);  // past the pair number, as above
                 break;
             case Kind::Stay:
                 break;
@@ -485,8 +495,10 @@ void frmEmployeeDailyAttendance::dtpCheckTime_KeyDown(int keyCode, int /*shift*/
                     QApplication::sendEvent(dtpCheckTime, &tab);
                     if (lastLeaveOutcome != Outcome::Committed) return;
                 }
-                grid->setCurrentCell(rules::fnAddPairRow(pairs, action), colSlNo);
+                const int added = rules::fnAddPairRow(pairs, action);
                 focusGrid(*this);
+                // The new pair's check-in, with the picker open on it.
+                grid->setCurrentCell(added, colCheckIn);
                 break;
             }
         }
@@ -502,6 +514,7 @@ void frmEmployeeDailyAttendance::mfgCheckinCheckOut_MouseDown(int button, int /*
     try {
         FlexGrid* grid = mfgCheckinCheckOut;
         if (button == 2) {
+            if (m_readOnly) return;  // an entry that can only be viewed has no pair to delete
             int row = rowAt(grid, QPoint(x, y));
             if (row == 0) row = grid->Row();
             if (row < 1) return;
@@ -529,6 +542,7 @@ void frmEmployeeDailyAttendance::mfgCheckinCheckOut_MouseDown(int button, int /*
 }
 
 void frmEmployeeDailyAttendance::mnuDelete_Click() {
+    if (m_readOnly) return;
     try {
         FlexGrid* grid = mfgCheckinCheckOut;
         const int row = grid->Row();

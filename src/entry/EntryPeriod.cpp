@@ -78,6 +78,12 @@ void frmEmployeeDailyAttendance::fnReadEmployeeSettings() {
         fnShowTotalDays();
     // The newest work-time setting; a stored entry then puts its own in its place.
     fnCheckWorkTimeSettings();
+    // Said before Populate, and nothing more: the entry may still be made.
+    try {
+        fnShowPayrollStatus();
+    } catch (const std::exception& e) {
+        fnNoteReadFailure(e);
+    }
 }
 
 void frmEmployeeDailyAttendance::fnNoteReadFailure(const std::exception& e) {

@@ -125,6 +125,7 @@ void putBack(FlexGrid& grid, const QList<QStringList>& rows) {
 }  // namespace
 
 void frmEmployeeDailyAttendance::cmdPopulateRecords_Click() {
+    if (m_readOnly) return;
     const WaitCursor wait;
     m_readError.clear();
     // A new entry's days are laid out afresh: punches laid on before are gone from them.

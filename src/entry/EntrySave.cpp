@@ -28,6 +28,12 @@ void frmEmployeeDailyAttendance::connectSaveEvents() {
 
 void frmEmployeeDailyAttendance::cmdOK_Click() {
     m_saved = false;
+    // Without the right to edit nothing is written, whichever way OK is reached. A cancelled
+    // or payroll-covered entry is refused by the save's own checks, with their messages.
+    if (m_readOnly && !m_mayEdit) {
+        MsgBox(kReadOnlyNoRight, MsgButtons::Ok, MsgIcon::Information);
+        return;
+    }
     // A step whose reads failed left nothing to save until it has run again.
     if (m_unfinished != Step::None) {
         MsgBox(entry::kMsgStepUnfinished, MsgButtons::Ok, MsgIcon::Information);

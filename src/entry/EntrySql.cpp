@@ -32,6 +32,11 @@ QString employeeListCondition(const db::Dialect& d, qint16 company) {
            QStringLiteral("1");
 }
 
+QString employeeNumbersQuery(qint16 company) {
+    return QStringLiteral("select eEmpID,eEmpNo from ") + LinkedTableNames.pemployee +
+           QStringLiteral(" where eCompanyID=") + num(company) + QStringLiteral(" and eActive = 1");
+}
+
 QString departmentSwitchesQuery(qint16 company) {
     return QStringLiteral("select calendardepwise,cwtsdepwise from ") + LinkedTableNames.pSettings +
            QStringLiteral(" where companyid=") + num(company);

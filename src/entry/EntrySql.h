@@ -15,6 +15,9 @@ namespace qz2::entry::sql {
 
 // The employee box's condition, built without a blank before "And" as the suite does.
 QString employeeListCondition(const db::Dialect& d, qint16 company);
+// The numbers of the company's active employees (eEmpID, eEmpNo), which the employee box
+// shows before each name.
+QString employeeNumbersQuery(qint16 company);
 
 // Department-wise switches of the company.
 QString departmentSwitchesQuery(qint16 company);

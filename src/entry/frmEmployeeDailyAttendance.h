@@ -105,6 +105,15 @@ public:
     // ---- Employee and period --------------------------------------------------------
     // The employee box's selection changed (by the clerk, the picker or code).
     void cboEmpname_Click();
+    // The employee box shows each employee as "number – name": the numbers are read after
+    // the names and put before them (a failed read leaves the names alone).
+    void fnShowEmployeeNumbers();
+    // What the clerk typed into the employee box chooses the one employee it names (by
+    // number or name); otherwise the box shows the chosen employee again.
+    void fnChooseTypedEmployee();
+    // New mode: the line under the employee says when the picker would grey them
+    // (attendance already beyond their last payroll); hidden otherwise.
+    void fnShowPayrollStatus();
     // Department, date of join and the department-wise conditions of the selected
     // employee; false (after telling the clerk) when the employee has no department.
     bool GetDeptID();
@@ -211,8 +220,20 @@ public:
     // ---- Saving (EntrySave.cpp) and loading a stored entry (EntryEditLoad.cpp) --------
     void cmdOK_Click();
     // Loads stored entry `id` of the company into the form (mode "E"); false when it could
-    // not be read. A cancelled entry, or one a monthly entry covers, opens for viewing only.
-    bool fnLoadEntry(const QString& id, bool cancelled);
+    // not be read. A cancelled entry, one a monthly entry covers, or one the user has no
+    // right to edit (`mayEdit` false) opens for viewing only.
+    bool fnLoadEntry(const QString& id, bool cancelled, bool mayEdit = true);
+    // Why an opened entry can only be viewed: the line at the top of the form says it.
+    static QString readOnlyCancelledText(const QString& reason);
+    static inline const QString kReadOnlyPayroll = QStringLiteral(
+        "A monthly payroll entry covers this period: the entry can only be viewed.");
+    static inline const QString kReadOnlyNoRight = QStringLiteral(
+        "You do not have the right to edit attendance entries: the entry can only be viewed.");
+    // Every box becomes read-only (Remarks included), nothing can be saved, and the line
+    // at the top shows `reasons`, one a line. The days and their pairs can still be looked
+    // through; Esc or Cancel closes without a question.
+    void fnShowReadOnly(const QStringList& reasons);
+    bool isReadOnly() const { return m_readOnly; }
     // Whether the last cmdOK_Click saved (the form then unloads).
     bool saved() const { return m_saved; }
 
@@ -277,6 +298,8 @@ public:
     QPushButton* cmdOK;
     QPushButton* cmdCancel;
     QPushButton* cmdImportPunches;
+    QLabel* lblReadOnly;  // why the entry can only be viewed; hidden while it can be changed
+    QLabel* lblEmployeeStatus;  // the chosen employee's payroll note; hidden when none
 
     // ---- Punches from time clocks ----------------------------------------------------
     // "Import punches...": asks for a punch file, then fnImportPunches.
@@ -309,6 +332,8 @@ private:
     bool typeIntoPicker(QKeyEvent& key);
     bool dayEventFilter(QObject* watched, QEvent* event);
     bool m_saved = false;
+    bool m_readOnly = false;
+    bool m_mayEdit = true;  // the user's right to edit, as the register gave it
     // The amount box holds a claimed or typed amount that stands until the day's times
     // change; a recompute then updates the kind but keeps the amount.
     bool m_keepDayAmount = false;

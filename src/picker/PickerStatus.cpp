@@ -14,7 +14,15 @@ bool attendanceBeyondPayroll(std::optional<TimeValue> lastPayroll,
 }
 
 QVector<bool> blockedByAggregate(const QSqlDatabase& db, const QVector<qint32>& employees) {
+    const QVector<std::optional<QDate>> behind = payrollBehindByAggregate(db, employees);
     QVector<bool> blocked(employees.size(), false);
+    for (qsizetype i = 0; i < behind.size(); ++i) blocked[i] = behind[i].has_value();
+    return blocked;
+}
+
+QVector<std::optional<QDate>> payrollBehindByAggregate(const QSqlDatabase& db,
+                                                       const QVector<qint32>& employees) {
+    QVector<std::optional<QDate>> blocked(employees.size());
     const std::optional<TimeValue> latest =
         timeValueFromDb(db::scalar(db, sql::latestAttendanceQuery()));
     if (!latest) return blocked;  // no attendance anywhere: nobody is ahead of payroll
@@ -26,21 +34,26 @@ QVector<bool> blockedByAggregate(const QSqlDatabase& db, const QVector<qint32>& 
             lastPayroll.insert(rs.field(0).toInt(), TimeValue::fromDate(day->date()));
     for (qsizetype i = 0; i < employees.size(); ++i) {
         const auto found = lastPayroll.constFind(employees[i]);
-        blocked[i] = found != lastPayroll.constEnd() && attendanceBeyondPayroll(*found, latest);
+        if (found != lastPayroll.constEnd() && attendanceBeyondPayroll(*found, latest))
+            blocked[i] = found->date();
     }
     return blocked;
 }
 
+std::optional<QDate> payrollBehindAttendance(const QSqlDatabase& db, qint32 employee) {
+    const std::optional<TimeValue> payroll =
+        timeValueFromDb(db::scalar(db, sql::lastPayrollQuery(employee)));
+    if (!payroll) return std::nullopt;
+    const bool after =
+        !db::openRecordset(db, sql::attendanceAfterQuery(db::Dialect::of(db), payroll->date()))
+             .eof();
+    return after ? std::optional<QDate>(payroll->date()) : std::nullopt;
+}
+
 QVector<bool> blockedPerEmployee(const QSqlDatabase& db, const QVector<qint32>& employees) {
-    const db::Dialect dialect = db::Dialect::of(db);
     QVector<bool> blocked(employees.size(), false);
-    for (qsizetype i = 0; i < employees.size(); ++i) {
-        const std::optional<TimeValue> payroll =
-            timeValueFromDb(db::scalar(db, sql::lastPayrollQuery(employees[i])));
-        if (!payroll) continue;
-        blocked[i] =
-            !db::openRecordset(db, sql::attendanceAfterQuery(dialect, payroll->date())).eof();
-    }
+    for (qsizetype i = 0; i < employees.size(); ++i)
+        blocked[i] = payrollBehindAttendance(db, employees[i]).has_value();
     return blocked;
 }
 

@@ -21,6 +21,15 @@ bool attendanceBeyondPayroll(std::optional<TimeValue> lastPayroll,
 
 // Blocked flags in the order of `employees`, by the two aggregate statements.
 QVector<bool> blockedByAggregate(const QSqlDatabase& db, const QVector<qint32>& employees);
+// The same by the same two statements, as each blocked employee's last payroll date
+// (nullopt for those not blocked).
+QVector<std::optional<QDate>> payrollBehindByAggregate(const QSqlDatabase& db,
+                                                       const QVector<qint32>& employees);
+// One employee by the per-employee statements: their last payroll date when attendance is
+// recorded after it (the picker greys them), nullopt when it is not. Database errors
+// propagate.
+std::optional<QDate> payrollBehindAttendance(const QSqlDatabase& db, qint32 employee);
+
 // The same flags by the per-employee statements (kept as the reference the aggregate is
 // tested against). Database errors propagate from both.
 QVector<bool> blockedPerEmployee(const QSqlDatabase& db, const QVector<qint32>& employees);

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "db/Database.h"
+#include "picker/PickerStatus.h"
 #include "entry/EntryReads.h"
 #include "entry/EntryStore.h"
 #include "entry/StatementCache.h"
@@ -181,6 +182,16 @@ CompanyImportResult importCompanyPunches(const QSqlDatabase& db, QVector<Punch> 
                   return x != y ? x < y : a.id < b.id;
               });
 
+    // Whom the employee picker would grey, as the database stood before this import.
+    try {
+        QVector<qint32> ids;
+        for (const EmployeeImport& one : result.employees) ids << one.id;
+        const QVector<std::optional<QDate>> behind = picker::payrollBehindByAggregate(db, ids);
+        for (qsizetype i = 0; i < behind.size(); ++i) result.employees[i].payrollBehind = behind[i];
+    } catch (const std::exception&) {
+        // Without it the import runs as before; the summary then has no such list.
+    }
+
     const int total = static_cast<int>(result.employees.size());
     for (int i = 0; i < total; ++i) {
         EmployeeImport& one = result.employees[i];
@@ -235,6 +246,21 @@ QStringList companyImportSummary(const CompanyImportResult& result, bool dryRun)
     if (!result.unmatchedCodes.isEmpty()) {
         lines << QStringLiteral("Punches given to no one:");
         for (const QString& code : result.unmatchedCodes) lines << QStringLiteral("  ") + code;
+    }
+    // Imported all the same (the entry form allows them too), but apart, so that the clerk
+    // checks them against payroll.
+    bool behindHeading = false;
+    for (const EmployeeImport& e : result.employees) {
+        if (!e.payrollBehind) continue;
+        if (!behindHeading)
+            lines << QStringLiteral("Attendance already beyond the last payroll (the employee "
+                                    "picker greys them):");
+        behindHeading = true;
+        lines << QStringLiteral("  %1: last payroll %2, %3")
+                     .arg(employeeLabel(e), e.payrollBehind->toString(QStringLiteral("dd/MM/yyyy")),
+                          e.outcome == Outcome::Skipped ? QStringLiteral("skipped")
+                          : dryRun                      ? QStringLiteral("would be saved")
+                                                        : QStringLiteral("saved"));
     }
     if (saved > 0) lines << (dryRun ? QStringLiteral("Would be saved:") : QStringLiteral("Saved:"));
     for (const EmployeeImport& e : result.employees) {

@@ -51,6 +51,9 @@ struct EmployeeImport {
     std::optional<qint32> entryId;      // saved (or, in a dry run, would be)
     QString attendanceNo;
     bool databaseFailed = false;  // skipped because a statement failed
+    // The employee picker greys this employee: attendance was already recorded beyond this,
+    // their last payroll date, before the import. Imported all the same, and listed apart.
+    std::optional<QDate> payrollBehind;
 };
 
 struct CompanyImportResult {

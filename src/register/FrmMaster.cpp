@@ -12,6 +12,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QScopeGuard>
 #include <QVBoxLayout>
 
 #include "commonmodule/CommonModule.h"
@@ -145,9 +146,12 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     cmdReports->setObjectName(QStringLiteral("cmdReports"));
     cmdReports->setAutoDefault(true);
     buttons->insertWidget(buttons->indexOf(CmdClose), cmdReports);
+    // Anyone who may open the register may print what it lists.
     connect(cmdReports, &QPushButton::clicked, this, [this] {
         const int row = flexMaster->Row();
+        const QString id = row > 0 ? flexMaster->TextMatrix(row, 0) : QString();
         fnShowReports(this, row > 0 ? flexMaster->TextMatrix(row, 1).trimmed() : QString());
+        fnBackToList(id);
     });
     // Every version of the selected entry, cancelled ones included; it waits for the load to
     // tell whether the database keeps history.
@@ -158,7 +162,10 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     buttons->insertWidget(buttons->indexOf(CmdClose), cmdHistory);
     connect(cmdHistory, &QPushButton::clicked, this, [this] {
         const int row = flexMaster->Row();
-        if (row > 0) fnShowHistory(this, flexMaster->TextMatrix(row, 0).trimmed().toInt());
+        if (row < 1) return;
+        const QString id = flexMaster->TextMatrix(row, 0);
+        fnShowHistory(this, id.trimmed().toInt());
+        fnBackToList(id);
     });
 
     // A time clock's file for the whole company: an entry for each employee with punches.
@@ -169,7 +176,17 @@ FrmMaster::FrmMaster(QWidget* parent) : QDialog(parent) {
     cmdImportPunches->setEnabled(false);
     buttons->insertWidget(buttons->indexOf(cmdReports), cmdImportPunches);
     connect(cmdImportPunches, &QPushButton::clicked, this, [this] {
-        if (!fnShowImportPunches(this)) return;
+        const int row = flexMaster->Row();
+        const QString id = row > 0 ? flexMaster->TextMatrix(row, 0) : QString();
+        // Importing adds entries: without the right to add, nothing is read or written.
+        if (!fnMay(QStringLiteral("N"))) {
+            MsgBox(noRightToAddText(), MsgButtons::Ok, MsgIcon::Information);
+            fnBackToList(id);
+            return;
+        }
+        const bool saved = fnShowImportPunches(this);
+        const QScopeGuard back([this, id] { fnBackToList(id); });
+        if (!saved) return;
         // The saved entries join the list.
         try {
             GridPopulate(gstrMasterQuery);
@@ -379,8 +396,20 @@ void FrmMaster::txtsearch_KeyUp() {
 }
 
 void FrmMaster::cmdnew_Click() {
+    const int row = flexMaster->Row();
+    const QString current = row > 0 ? flexMaster->TextMatrix(row, 0) : QString();
+    // The button may stand enabled whatever the rights; the action itself asks them.
+    if (!fnMay(QStringLiteral("N"))) {
+        MsgBox(noRightToAddText(), MsgButtons::Ok, MsgIcon::Information);
+        fnBackToList(current);
+        return;
+    }
     gstrEntryMode = QStringLiteral("N");
+    const int rowsBefore = flexMaster->Rows();
     entry::showNewEntry(this);
+    // A saved entry was added as the last row and made current; otherwise the list goes
+    // back to the entry it was on.
+    fnBackToList(flexMaster->Rows() > rowsBefore ? flexMaster->TextMatrix(flexMaster->Rows() - 1, 0) : current);
 }
 
 void FrmMaster::CmdEdit_Click() {
@@ -388,13 +417,21 @@ void FrmMaster::CmdEdit_Click() {
     if (row < 1) return;
     const QString id = flexMaster->TextMatrix(row, 0);
     const bool cancelled = flexMaster->TextMatrix(row, kCancelledCol) == QLatin1String("Yes");
-    entry::openEntryForEdit(this, id, cancelled);
+    // Without the right to edit the entry still opens, for viewing only, and says why.
+    entry::openEntryForEdit(this, id, cancelled, fnMay(QStringLiteral("E")));
+    fnBackToList(id);
 }
 
 void FrmMaster::CmdDelete_Click() {
     const int row = flexMaster->Row();
     if (row < 1) return;
     const QString id = flexMaster->TextMatrix(row, 0);
+    const QScopeGuard back([this, id] { fnBackToList(id); });
+    // Refused before anything is asked: the button may stand enabled whatever the rights.
+    if (!fnMay(QStringLiteral("D"))) {
+        MsgBox(noRightToCancelText(), MsgButtons::Ok, MsgIcon::Information);
+        return;
+    }
     try {
         // Whatever the row or the buttons say, an entry the database holds as cancelled keeps
         // the reason it was cancelled with: nothing is asked and nothing is written.
@@ -405,7 +442,7 @@ void FrmMaster::CmdDelete_Click() {
             return;
         }
         if (MsgBox(QStringLiteral("Are you sure you want to delete Entry - ") + id + QStringLiteral("?"),
-                   MsgButtons::YesNo, MsgIcon::Question) == MsgResult::No)
+                   MsgButtons::YesNo, MsgIcon::Question, MsgDefault::No) == MsgResult::No)
             return;
         if (fnIsMonthlyEntryDone(QStringLiteral("D"))) return;
         frmCancel dialog(this);
@@ -486,6 +523,37 @@ void FrmMaster::UserRights() {
     } catch (const std::exception&) {
         // A failing rights query leaves the buttons as they were.
     }
+}
+
+bool FrmMaster::fnMay(const QString& letter) {
+    QString rights = strFunctionRights;  // the form's string is not normalised by asking
+    return fnUserRights(letter, rights);
+}
+
+void FrmMaster::fnBackToList(const QString& id) {
+    if (!isVisible()) return;
+    const QString wanted = id.trimmed();
+    if (!wanted.isEmpty()) {
+        const FlexGridModel* m = flexMaster->flexModel();
+        for (int r = 0; r < m->dataRows(); ++r) {
+            if (m->text(r, 0).trimmed() != wanted) continue;
+            if (flexMaster->Row() != r + 1) flexMaster->setCurrentCell(r + 1, qMax(flexMaster->Col(), 0));
+            flexMaster->selectRow(r);
+            flexMaster->scrollTo(flexMaster->currentIndex());
+            break;
+        }
+    }
+    activateWindow();
+    raise();
+    flexMaster->setFocus(Qt::OtherFocusReason);
+}
+
+QString noRightToAddText() {
+    return FrmMaster::tr("You do not have the right to add attendance entries.");
+}
+
+QString noRightToCancelText() {
+    return FrmMaster::tr("You do not have the right to cancel attendance entries.");
 }
 
 bool FrmMaster::fnUserRights(QString letter, QString& rights) {

@@ -47,6 +47,13 @@ public:
     bool fnUserRights(QString letter, QString& rights);
 
     QString strFunctionRights;
+    // Whether the rights read when the register opened grant `letter` ("N" add, "E" edit,
+    // "D" cancel). The buttons follow the row-click logic; every action asks this before it
+    // writes anything. No rights row, or rights that could not be read, grant nothing.
+    bool fnMay(const QString& letter);
+    // After a form or dialog closes: the register is the active window again and the list
+    // has the keyboard focus, on entry `id` when it is listed (else where it stands).
+    void fnBackToList(const QString& id = QString());
     bool loaded() const { return m_loaded; }
 
     FlexGrid* flexMaster;
@@ -93,5 +100,9 @@ QString registerCellText(const QVariant& value);
 
 // The status line's note for a database without the history table.
 QString historyNotKeptText();
+
+// The refusals of an action the user has no right to.
+QString noRightToAddText();
+QString noRightToCancelText();
 
 }  // namespace qz2

@@ -18,9 +18,9 @@ MsgResult g_autoYesNo = MsgResult::Yes;
 WaitCursor::WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
 WaitCursor::~WaitCursor() { QApplication::restoreOverrideCursor(); }
 
-MsgResult MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon) {
+MsgResult MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon, MsgDefault byDefault) {
     if (g_shown.size() >= 500) g_shown.remove(0, 250);  // a record for tests, not a history
-    g_shown.push_back({text, gstrMsgboxTitle, buttons, icon});
+    g_shown.push_back({text, gstrMsgboxTitle, buttons, icon, byDefault});
     if (!g_answers.isEmpty()) return g_answers.dequeue();
     if (g_autoAnswer) return buttons == MsgButtons::YesNo ? g_autoYesNo : MsgResult::Ok;
 
@@ -49,7 +49,7 @@ MsgResult MsgBox(const QString& text, MsgButtons buttons, MsgIcon icon) {
     }
     if (buttons == MsgButtons::YesNo) {
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-        box.setDefaultButton(QMessageBox::Yes);
+        box.setDefaultButton(byDefault == MsgDefault::No ? QMessageBox::No : QMessageBox::Yes);
         box.setEscapeButton(QMessageBox::No);
     } else {
         box.setStandardButtons(QMessageBox::Ok);

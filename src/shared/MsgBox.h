@@ -11,8 +11,12 @@ namespace qz2 {
 enum class MsgIcon { None, Information, Question, Exclamation, Critical };
 enum class MsgButtons { Ok, YesNo };
 enum class MsgResult { Ok, Yes, No };
+// Which answer Enter gives a question. A question whose Yes throws work away (unsaved keying,
+// a stored entry) defaults to No, so that a habitual Enter keeps the work.
+enum class MsgDefault { Yes, No };
 
-MsgResult MsgBox(const QString& text, MsgButtons buttons = MsgButtons::Ok, MsgIcon icon = MsgIcon::None);
+MsgResult MsgBox(const QString& text, MsgButtons buttons = MsgButtons::Ok, MsgIcon icon = MsgIcon::None,
+                 MsgDefault byDefault = MsgDefault::Yes);
 
 // The wait cursor while a step may wait on a busy database (the save, Populate, choosing
 // the employee); a message box shown meanwhile gets the ordinary arrow.
@@ -29,6 +33,7 @@ struct ShownMessage {
     QString title;
     MsgButtons buttons;
     MsgIcon icon;
+    MsgDefault byDefault = MsgDefault::Yes;
 };
 
 namespace msgbox_testing {
