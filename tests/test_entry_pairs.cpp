@@ -352,7 +352,10 @@ TEST_F(PairsFixture, AWholeDayOfThreePairsWithoutTheMouse) {
     EXPECT_EQ(worked(3), QStringLiteral("09:30"));
     EXPECT_EQ(form->chkAllowanceDeductions->text(), QStringLiteral("Allowances"));
     EXPECT_EQ(form->txtAllowanceDeductions->text(), QStringLiteral("01.30"));
-    // Up out of the spare fourth row: it goes as soon as the clerk moves.
+    // The fourth pair's check-in is open; Esc closes the picker and Up leaves the spare
+    // row, which goes as soon as the clerk moves.
+    EXPECT_EQ(QApplication::focusWidget(), picker());
+    key(Qt::Key_Escape);
     key(Qt::Key_Up);
     EXPECT_EQ(pairs(), QStringList({"1 09:00-13:00", "2 14:00-18:00", "3 18:30-20:00"}));
     // Tab leaves the grid for the claim.

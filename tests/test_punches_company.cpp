@@ -10,6 +10,7 @@
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFile>
+#include <QHash>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -189,6 +190,51 @@ TEST_F(CompanyImport, TheDemoMonthIsSavedForEveryoneButTheForgottenCheckOut) {
     // Who needs the clerk comes before the list of the saved.
     EXPECT_LT(summary.indexOf(QStringLiteral("Skipped, nothing of theirs written:")),
               summary.indexOf(QStringLiteral("Saved:")));
+}
+
+TEST_F(CompanyImport, EmployeesThePickerGreysAreImportedAndListedApart) {
+    // Worked out from the tables as they stand before the import: an employee whose last
+    // payroll date has attendance (of anyone) after it.
+    const QDate latest = QDate::fromString(
+        t.scalar(QStringLiteral("select max(eadDate) from pEmpAttendanceDetail")).toString().left(10),
+        Qt::ISODate);
+    QHash<qint32, QDate> behind;
+    for (const QVariantList& row : t.rows(QStringLiteral(
+             "select mppEmpID, max(mppPayrollDate) from pMonthlyPayrollProcessing group by mppEmpID"))) {
+        const QDate payroll = QDate::fromString(row[1].toString().left(10), Qt::ISODate);
+        if (latest > payroll) behind.insert(row[0].toInt(), payroll);
+    }
+    const CompanyImportResult r = run();
+    int listed = 0;
+    for (const EmployeeImport& e : r.employees) {
+        SCOPED_TRACE(e.code.toStdString());
+        EXPECT_EQ(e.payrollBehind.has_value(), behind.contains(e.id));
+        if (!e.payrollBehind) continue;
+        EXPECT_EQ(*e.payrollBehind, behind.value(e.id));
+        ++listed;
+    }
+    ASSERT_GT(listed, 0);  // the demo has such employees among those with punches
+    const QStringList summary = companyImportSummary(r, false);
+    const qsizetype heading = summary.indexOf(
+        QStringLiteral("Attendance already beyond the last payroll (the employee picker greys them):"));
+    ASSERT_GE(heading, 0) << summary.join('\n').toStdString();
+    for (const EmployeeImport& e : r.employees) {
+        if (!e.payrollBehind) continue;
+        bool found = false;
+        for (qsizetype i = heading + 1; i < summary.size() && summary[i].startsWith(QLatin1String("  ")); ++i)
+            if (summary[i].contains(e.code) &&
+                summary[i].contains(QStringLiteral("last payroll ") +
+                                    e.payrollBehind->toString(QStringLiteral("dd/MM/yyyy"))))
+                found = true;
+        EXPECT_TRUE(found) << e.code.toStdString();
+    }
+    // Apart from, and before, the list of saved entries; they are saved all the same.
+    EXPECT_LT(heading, summary.indexOf(QStringLiteral("Saved:")));
+    for (const EmployeeImport& e : r.employees) {
+        if (e.payrollBehind && e.id != 2) {
+            EXPECT_EQ(e.outcome, Outcome::Saved) << e.code.toStdString();
+        }
+    }
 }
 
 TEST_F(CompanyImport, EachEntryIsTheOneTheEntryFormBuildsAndSaves) {

@@ -16,11 +16,14 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QPainter>
+#include <QPixmap>
 #include <QPushButton>
 #include <QTest>
 #include <QTimeEdit>
 #include <QTimer>
 #include <memory>
+#include <ostream>
 
 #include "TestSupport.h"
 #include "db/Database.h"
@@ -77,6 +80,9 @@ struct User {
     bool failedRead;     // the rights table cannot be read
     bool add, edit, cancel;
 };
+
+// Test names and failures name the user by its label.
+void PrintTo(const User& user, std::ostream* os) { *os << user.label; }
 
 const User kUsers[] = {
     {"UserOne", 1, nullptr, false, true, true, true},
@@ -449,6 +455,48 @@ TEST_F(ViewOnly, EnterOnTheLoseThemQuestionKeepsTheKeyedWork) {
         EXPECT_EQ(form.cboEmpname->currentIndex(), employee);
         EXPECT_EQ(form.txtRemarks->text(), QStringLiteral("Checked by the supervisor"));
     }
+}
+
+// ---- Pictures for the README (run with QZ2_SCREENSHOT_DIR set) -------------------------------
+
+TEST_F(ViewOnly, ScreenshotOfAnEntryOpenedWithoutTheRightAndOfTheRefusal) {
+    const QByteArray dir = qgetenv("QZ2_SCREENSHOT_DIR");
+    if (dir.isEmpty()) GTEST_SKIP() << "set QZ2_SCREENSHOT_DIR to write the pictures";
+    const QString id =
+        db.scalar(QStringLiteral("select max(eaID) from pEmployeeAttendence where eaCompanyID=1 and eaCancelled=0"))
+            .toString();
+    gstrEntryMode = QStringLiteral("E");
+    frmEmployeeDailyAttendance form;
+    form.Form_Load();
+    ASSERT_TRUE(form.fnLoadEntry(id, false, false));
+    form.show();
+    form.resize(1120, 700);
+    form.mfgAttendance->setCurrentCell(2, 1);
+    QTest::qWait(50);
+    EXPECT_TRUE(form.grab().save(QString::fromLocal8Bit(dir) + QStringLiteral("/readonly-entry.png")));
+    form.reject();
+
+    gintUserID = 2;  // "NE": no right to cancel
+    register_ = std::make_unique<FrmMaster>();
+    register_->Form_Load();
+    register_->show();
+    choose(id);
+    qz2test::whenModal([this, &dir](QWidget* w) {
+        // The box over the middle of the register, as the clerk sees it.
+        QPixmap shot = register_->grab();
+        {
+            const QPixmap box = w->grab();
+            QPainter paint(&shot);
+            paint.setPen(QColor(0x60, 0x60, 0x60));
+            const QPoint at((shot.width() - box.width()) / 2, (shot.height() - box.height()) / 2);
+            paint.drawPixmap(at, box);
+            paint.drawRect(QRect(at, box.size()).adjusted(-1, -1, 0, 0));
+        }
+        EXPECT_TRUE(shot.save(QString::fromLocal8Bit(dir) + QStringLiteral("/refused-delete.png")));
+        qobject_cast<QMessageBox*>(w)->buttons().value(0)->click();
+    });
+    QTest::keyClick(register_->flexMaster, Qt::Key_Delete);
+    gintUserID = 1;
 }
 
 }  // namespace

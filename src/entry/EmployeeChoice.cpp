@@ -44,8 +44,8 @@ QList<int> findEmployeeItems(const QStringList& itemTexts, const QString& typed)
 
 QString payrollBehindText(const QDate& lastPayroll) {
     return QStringLiteral(
-               "Attendance is already recorded beyond this employee's last payroll (%1): the "
-               "employee picker greys them. Check the period before you populate it.")
+               "Attendance is already recorded beyond this employee's last payroll (%1); Find "
+               "employee... greys such employees. Check the period before you populate it.")
         .arg(lastPayroll.toString(QStringLiteral("dd/MM/yyyy")));
 }
 

@@ -374,8 +374,10 @@ void frmEmployeeDailyAttendance::connectEvents() {
     // elsewhere never does).
     for (QPushButton* b : {cmdEmployee, cmdPopulateRecords, cmdImportPunches, cmdOK, cmdCancel})
         b->installEventFilter(this);
-    // The box's own line edit holds the focus while the clerk types into it.
+    // The box's own line edit holds the focus while the clerk types into it, and the list
+    // of matches takes the keys while it is open.
     cboEmpname->lineEdit()->installEventFilter(this);
+    cboEmpname->completer()->popup()->installEventFilter(this);
     dtpEndDate->installEventFilter(this);
     for (QWidget* inner : dtpEndDate->findChildren<QWidget*>()) inner->installEventFilter(this);
     connect(cmdImportPunches, &QPushButton::clicked, this, [this] { cmdImportPunches_Click(); });
@@ -452,6 +454,24 @@ bool frmEmployeeDailyAttendance::eventFilter(QObject* watched, QEvent* event) {
         if (reason != Qt::PopupFocusReason && reason != Qt::ActiveWindowFocusReason)
             fnChooseTypedEmployee();
     }
+    // Enter or Tab in the list of matches with none of them highlighted: what was typed
+    // chooses, and the clerk moves on as from the box itself.
+    if (QCompleter* finder = cboEmpname->completer();
+        finder && watched == finder->popup() && event->type() == QEvent::KeyPress) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        const bool enter = key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter;
+        const bool tab = key->key() == Qt::Key_Tab || key->key() == Qt::Key_Backtab;
+        if ((enter || tab) && !finder->popup()->currentIndex().isValid()) {
+            finder->popup()->hide();
+            fnChooseTypedEmployee();
+            if (enter)
+                sendTab();
+            else
+                focusNextPrevChild(key->key() == Qt::Key_Tab &&
+                                   !(key->modifiers() & Qt::ShiftModifier));
+            return true;
+        }
+    }
     if ((watched == cboEmpname || watched == cboEmpname->lineEdit()) &&
         event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
@@ -510,6 +530,11 @@ void frmEmployeeDailyAttendance::showEvent(QShowEvent* event) {
     if (!m_shown) {
         m_shown = true;
         fnTakeBaseline();
+        // An entry that can only be viewed opens on its days, the first one shown.
+        if (m_readOnly && mfgAttendance->isEnabled() && mfgAttendance->Rows() > 1) {
+            mfgAttendance->setFocus(Qt::OtherFocusReason);
+            if (mfgAttendance->Row() < 1) mfgAttendance->setCurrentCell(1, colDate);
+        }
     }
 }
 
